@@ -1,0 +1,164 @@
+// The operating system as the rest of the library sees it: the Win32 operations it needs, with
+// their names, parameter values and error numbers, on every platform. The win32 side forwards to
+// the real calls; the posix side gives each call its nearest honest meaning and says so where it
+// is defined. Nothing above this layer includes a system header.
+//
+// Win32 implementation files include this header before <windows.h>, so that the macros of the
+// system headers never meet the declarations below.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <vector>
+
+namespace os {
+
+#if defined(_WIN32)
+using DWORD = unsigned long;
+#else
+using DWORD = std::uint32_t;
+#endif
+using BOOL = int;
+using HANDLE = void*;
+using HMODULE = void*;
+// UTF-16 is the wide encoding on both platforms.
+using wide_char = char16_t;
+
+inline HANDLE const INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1));
+
+// Win32 error numbers, spoken on both sides.
+inline constexpr DWORD ERROR_SUCCESS = 0;
+inline constexpr DWORD ERROR_INVALID_FUNCTION = 1;
+inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+inline constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
+inline constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
+inline constexpr DWORD ERROR_ACCESS_DENIED = 5;
+inline constexpr DWORD ERROR_INVALID_HANDLE = 6;
+inline constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+inline constexpr DWORD ERROR_WRITE_PROTECT = 19;
+inline constexpr DWORD ERROR_NOT_READY = 21;
+inline constexpr DWORD ERROR_SHARING_VIOLATION = 32;
+inline constexpr DWORD ERROR_LOCK_VIOLATION = 33;
+inline constexpr DWORD ERROR_HANDLE_EOF = 38;
+inline constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
+inline constexpr DWORD ERROR_NOT_SUPPORTED = 50;
+inline constexpr DWORD ERROR_FILE_EXISTS = 80;
+inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+inline constexpr DWORD ERROR_BROKEN_PIPE = 109;
+inline constexpr DWORD ERROR_DISK_FULL = 112;
+inline constexpr DWORD ERROR_CALL_NOT_IMPLEMENTED = 120;
+inline constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+inline constexpr DWORD ERROR_INVALID_NAME = 123;
+inline constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+inline constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
+inline constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
+inline constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
+inline constexpr DWORD ERROR_BUSY = 170;
+inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+inline constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+inline constexpr DWORD ERROR_DIRECTORY = 267;
+inline constexpr DWORD ERROR_OPERATION_ABORTED = 995;
+inline constexpr DWORD ERROR_IO_PENDING = 997;
+inline constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+inline constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
+
+// Access, sharing, disposition, attribute and flag values of CreateFileW.
+inline constexpr DWORD GENERIC_READ = 0x80000000;
+inline constexpr DWORD GENERIC_WRITE = 0x40000000;
+inline constexpr DWORD FILE_SHARE_READ = 0x1;
+inline constexpr DWORD FILE_SHARE_WRITE = 0x2;
+inline constexpr DWORD FILE_SHARE_DELETE = 0x4;
+inline constexpr DWORD CREATE_NEW = 1;
+inline constexpr DWORD CREATE_ALWAYS = 2;
+inline constexpr DWORD OPEN_EXISTING = 3;
+inline constexpr DWORD OPEN_ALWAYS = 4;
+inline constexpr DWORD TRUNCATE_EXISTING = 5;
+inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
+inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
+inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;
+inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
+inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
+inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
+inline constexpr DWORD FILE_FLAG_OVERLAPPED = 0x40000000;
+
+inline constexpr unsigned CP_UTF8 = 65001;
+
+// Opaque records of calls whose extra arguments the library always passes as null.
+struct SECURITY_ATTRIBUTES;
+using LPPROGRESS_ROUTINE = void*;
+enum GET_FILEEX_INFO_LEVELS { GetFileExInfoStandard = 0 };
+enum FINDEX_INFO_LEVELS { FindExInfoStandard = 0, FindExInfoBasic = 1 };
+enum FINDEX_SEARCH_OPS { FindExSearchNameMatch = 0, FindExSearchLimitToDirectories = 1 };
+
+// ---- errors
+DWORD GetLastError();
+void SetLastError(DWORD error);
+// The C runtime's errno after a failed call of the _w family.
+int crt_errno();
+
+// ---- text
+int MultiByteToWideChar(unsigned code_page, DWORD flags, const char* src, int src_len,
+                        wide_char* dst, int dst_len);
+int WideCharToMultiByte(unsigned code_page, DWORD flags, const wide_char* src, int src_len,
+                        char* dst, int dst_len);
+wide_char* CharLowerW(wide_char* text);
+int _wcsicmp(const wide_char* a, const wide_char* b);
+
+// ---- files and volumes
+HANDLE CreateFileW(const wide_char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                   DWORD disposition, DWORD flags_and_attributes, HANDLE template_file);
+BOOL CloseHandle(HANDLE handle);
+DWORD GetLongPathNameW(const wide_char* short_path, wide_char* long_path, DWORD length);
+BOOL GetVolumePathNameW(const wide_char* path, wide_char* volume_path, DWORD length);
+int _waccess(const wide_char* path, int mode);
+
+// ---- transacted calls, resolved at run time where the system has them
+namespace txf {
+HANDLE CreateFileTransactedW(const wide_char* path, DWORD access, DWORD share,
+                             SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+                             HANDLE template_file, HANDLE transaction, unsigned short* miniversion,
+                             void* extended);
+BOOL DeleteFileTransactedW(const wide_char* path, HANDLE transaction);
+BOOL MoveFileTransactedW(const wide_char* from, const wide_char* to, LPPROGRESS_ROUTINE progress,
+                         void* data, DWORD flags, HANDLE transaction);
+BOOL RemoveDirectoryTransactedW(const wide_char* path, HANDLE transaction);
+BOOL SetFileAttributesTransactedW(const wide_char* path, DWORD attributes, HANDLE transaction);
+BOOL GetFileAttributesTransactedW(const wide_char* path, GET_FILEEX_INFO_LEVELS level, void* info,
+                                  HANDLE transaction);
+DWORD GetLongPathNameTransactedW(const wide_char* short_path, wide_char* long_path, DWORD length,
+                                 HANDLE transaction);
+HANDLE FindFirstFileTransactedW(const wide_char* pattern, FINDEX_INFO_LEVELS level, void* data,
+                                FINDEX_SEARCH_OPS search, void* filter, DWORD flags,
+                                HANDLE transaction);
+} // namespace txf
+
+// ---- process, threads and time
+std::uint64_t current_thread_id();
+std::uint64_t current_process_id();
+bool local_time(std::int64_t time, std::tm* result);
+// True when the process has a console (a terminal on its standard error).
+bool has_console();
+// The absolute path of the running executable, UTF-8, empty when unknown.
+std::string executable_path();
+
+// ---- files of the support layer, by UTF-8 path, without the path rules of the files layer
+std::FILE* fopen_utf8(const char* path, const char* mode);
+bool create_directory_utf8(const char* path);
+
+// ---- dynamic libraries
+HMODULE load_library(const char* path_utf8);
+void* find_symbol(HMODULE module, const char* name);
+void free_library(HMODULE module);
+// What the last failed load_library or find_symbol said, for a human.
+std::string last_library_error();
+
+// ---- child processes, for the tool and the tests
+// Runs argv[0] with the arguments, standard output and error into output_path (UTF-8 path),
+// standard input from the null device; waits for it. Returns its exit code, or -1.
+int run_process(const std::vector<std::string>& argv, const std::string& output_path);
+
+} // namespace os

@@ -1,0 +1,73 @@
+#include "stats_mng/load_order.h"
+
+#include "support/thl.h"
+
+#include <mutex>
+
+namespace {
+
+// Built at start-up and torn down at unload, though nothing in the library takes them.
+thl_crit_section_c* spare_section[5] = {};
+single_writer_multi_reader_c* spare_rw_lock = nullptr;
+
+template <int index> void build_spare_section() { spare_section[index] = new thl_crit_section_c(false); }
+template <int index> void drop_spare_section() {
+    delete spare_section[index];
+    spare_section[index] = nullptr;
+}
+
+void build_spare_rw_lock() { spare_rw_lock = new single_writer_multi_reader_c; }
+void drop_spare_rw_lock() {
+    delete spare_rw_lock;
+    spare_rw_lock = nullptr;
+}
+
+// Kept by hand, in the order of the numbers; steps of layers not built yet are absent.
+const load_order_n::step_s table[] = {
+    {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
+    {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
+    {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},
+    {20, "a thl_crit_section_c", build_spare_section<3>, drop_spare_section<3>},
+    {22, "a single_writer_multi_reader_c", build_spare_rw_lock, drop_spare_rw_lock},
+    {26, "a thl_crit_section_c", build_spare_section<4>, drop_spare_section<4>},
+};
+
+std::mutex journal_mutex;
+std::vector<int> run_journal;
+std::size_t steps_started = 0;
+
+void record(int entry) {
+    std::lock_guard<std::mutex> hold(journal_mutex);
+    run_journal.push_back(entry);
+}
+
+// Defined after everything it uses, so that it is built after them and torn down before them.
+struct library_lifetime_s {
+    library_lifetime_s() { load_order_n::start_all(); }
+    ~library_lifetime_s() { load_order_n::stop_all(); }
+} library_lifetime;
+
+} // namespace
+
+std::span<const load_order_n::step_s> load_order_n::steps() { return table; }
+
+void load_order_n::start_all() {
+    for (; steps_started < std::size(table); ++steps_started) {
+        const step_s& step = table[steps_started];
+        step.start();
+        record(step.order);
+    }
+}
+
+void load_order_n::stop_all() {
+    for (; steps_started > 0; --steps_started) {
+        const step_s& step = table[steps_started - 1];
+        if (step.stop) step.stop();
+        record(-step.order);
+    }
+}
+
+std::vector<int> load_order_n::journal() {
+    std::lock_guard<std::mutex> hold(journal_mutex);
+    return run_journal;
+}

@@ -1,0 +1,67 @@
+// The four exports of the library (source unit "stats_mng.dll").
+#include "stats_mng.h"
+
+#include "files/file.h"
+#include "files/file_manipulation.h"
+#include "support/trc.h"
+
+#include <cstdint>
+
+namespace {
+
+constexpr const char* source = "stats_mng.dll";
+constexpr const char* log_name = "stats_mng.dll";
+
+// The start every query shares: the normalised path in `path`, false when it does not exist.
+bool normalise_and_find(const char* scenario_path, char (&path)[path_n::path_buffer_size]) {
+    path_n::standard_dir_path(scenario_path, path, true);
+    return file_manipulation_n::if_exists(path, nullptr);
+}
+
+} // namespace
+
+extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
+    QVTR_SCOPE(tr, "is_engine_active_for_scenario", source);
+    char path[path_n::path_buffer_size] = {};
+    if (!normalise_and_find(scenario_path, path)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
+        return false;
+    }
+    // The state lock is not part of this build yet: no holder can be seen.
+    return false;
+}
+
+extern "C" bool is_sync_replicated(const char* scenario_path) {
+    QVTR_SCOPE(tr, "is_sync_replicated", source);
+    char path[path_n::path_buffer_size] = {};
+    if (!normalise_and_find(scenario_path, path)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
+        return false;
+    }
+    // The state files are not read by this build yet.
+    return false;
+}
+
+extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int* state_index) {
+    // Opened under the name of is_sync_replicated on purpose; the line number tells them apart.
+    QVTR_SCOPE(tr, "is_sync_replicated", source);
+    char path[path_n::path_buffer_size] = {};
+    *state_index = STATS_MNG_STATE_UNKNOWN;
+    if (!normalise_and_find(scenario_path, path)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
+        return false;
+    }
+    // The state files are not read by this build yet: the index stays "Unknown".
+    return false;
+}
+
+extern "C" bool set_trc_file_log_path(const char* trc_file, const char* log_directory) {
+    char trace_file[path_n::path_buffer_size] = {};
+    char directory[path_n::path_buffer_size] = {};
+    path_n::standard_dir_path(trc_file, trace_file, true);
+    path_n::standard_dir_path(log_directory, directory, true);
+    std::uint64_t size = 0;
+    qvtr_set_log_directory(nullptr, size, directory, log_name, false);
+    qvtr_reparse_file(nullptr, size, trace_file);
+    return true;
+}

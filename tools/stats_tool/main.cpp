@@ -1,0 +1,176 @@
+// stats_tool: the command line of the library. It loads the library the way an engine process
+// does and asks its exports.
+//
+// Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
+#include "platform/os.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int exit_yes = 0;
+constexpr int exit_no = 1;
+constexpr int exit_error = 2;
+
+const char* const usage_text =
+    "usage: stats_tool [--library PATH] [--trace DIR] <command> ...\n"
+    "\n"
+    "commands:\n"
+    "  state DIR [--json]   ask the three scenario queries about the scenario directory DIR\n"
+    "  --help               show this text\n"
+    "\n"
+    "options:\n"
+    "  --library PATH       the library to load (default: stats_mng.dll / libstats_mng.so\n"
+    "                       beside this program, then ../lib, then the system's search)\n"
+    "  --trace DIR          write the library's trace to DIR/stats_mng.dll.log\n"
+    "\n"
+    "exit status: 0 a state was read, 1 no state could be read, 2 error\n";
+
+const char* const state_words[] = {"Running", "Stop", "Sync", "Unknown"};
+
+#if defined(_WIN32)
+constexpr const char* library_file = "stats_mng.dll";
+#else
+constexpr const char* library_file = "libstats_mng.so";
+#endif
+
+using bool_query_t = bool (*)(const char*);
+using state_query_t = bool (*)(const char*, unsigned int*);
+using trace_setter_t = bool (*)(const char*, const char*);
+
+struct library_s {
+    os::HMODULE module = nullptr;
+    bool_query_t is_engine_active_for_scenario = nullptr;
+    bool_query_t is_sync_replicated = nullptr;
+    state_query_t get_scenario_state_index = nullptr;
+    trace_setter_t set_trc_file_log_path = nullptr;
+};
+
+std::string directory_of(const std::string& path) {
+    std::size_t cut = path.find_last_of("/\\");
+    return cut == std::string::npos ? std::string(".") : path.substr(0, cut);
+}
+
+template <typename Function> bool bind(os::HMODULE module, const char* name, Function& target) {
+    target = reinterpret_cast<Function>(os::find_symbol(module, name));
+    return target != nullptr;
+}
+
+bool load(const std::string& requested, library_s& library, std::string& why) {
+    std::vector<std::string> candidates;
+    if (!requested.empty()) {
+        candidates.push_back(requested);
+    } else {
+        std::string here = directory_of(os::executable_path());
+        candidates = {here + "/" + library_file, here + "/../lib/" + library_file, library_file};
+    }
+    for (const std::string& candidate : candidates) {
+        library.module = os::load_library(candidate.c_str());
+        if (library.module) break;
+        why += "  " + candidate + ": " + os::last_library_error() + "\n";
+    }
+    if (!library.module) return false;
+    bool complete = bind(library.module, "is_engine_active_for_scenario", library.is_engine_active_for_scenario) &&
+                    bind(library.module, "is_sync_replicated", library.is_sync_replicated) &&
+                    bind(library.module, "get_scenario_state_index", library.get_scenario_state_index) &&
+                    bind(library.module, "set_trc_file_log_path", library.set_trc_file_log_path);
+    if (!complete) why += "  an export is missing: " + os::last_library_error() + "\n";
+    return complete;
+}
+
+std::string json_string(const std::string& text) {
+    std::string out = "\"";
+    for (unsigned char c : text) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += static_cast<char>(c);
+        } else if (c < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+            out += escaped;
+        } else {
+            out += static_cast<char>(c);
+        }
+    }
+    return out + "\"";
+}
+
+int run_state(const library_s& library, const std::string& directory, bool json) {
+    bool active = library.is_engine_active_for_scenario(directory.c_str());
+    bool replicated = library.is_sync_replicated(directory.c_str());
+    unsigned int index = 3;
+    bool read = library.get_scenario_state_index(directory.c_str(), &index);
+    const char* word = index < 4 ? state_words[index] : "?";
+    if (json) {
+        std::printf("{\"scenario\": %s, \"engine_active\": %s, \"sync_replicated\": %s, "
+                    "\"state_read\": %s, \"state_index\": %u, \"state\": %s}\n",
+                    json_string(directory).c_str(), active ? "true" : "false",
+                    replicated ? "true" : "false", read ? "true" : "false", index,
+                    json_string(word).c_str());
+    } else {
+        std::printf("scenario:        %s\n", directory.c_str());
+        std::printf("engine active:   %s\n", active ? "yes" : "no");
+        std::printf("sync replicated: %s\n", replicated ? "yes" : "no");
+        std::printf("state:           %s (%u)%s\n", word, index, read ? "" : ", no state file read");
+    }
+    return read ? exit_yes : exit_no;
+}
+
+int usage_error(const char* message) {
+    std::fprintf(stderr, "stats_tool: %s\n\n%s", message, usage_text);
+    return exit_error;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> args(argv + 1, argv + argc);
+    std::string library_path, trace_directory;
+    std::vector<std::string> rest;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--help" || args[i] == "-h") {
+            std::fputs(usage_text, stdout);
+            return exit_yes;
+        }
+        if ((args[i] == "--library" || args[i] == "--trace") && i + 1 < args.size()) {
+            (args[i] == "--library" ? library_path : trace_directory) = args[i + 1];
+            ++i;
+        } else if (args[i] == "--library" || args[i] == "--trace") {
+            return usage_error(("missing value after " + args[i]).c_str());
+        } else {
+            rest.push_back(args[i]);
+        }
+    }
+    if (rest.empty()) return usage_error("no command given");
+
+    const std::string& command = rest[0];
+    if (command != "state") return usage_error(("unknown command '" + command + "'").c_str());
+    bool json = false;
+    std::string directory;
+    for (std::size_t i = 1; i < rest.size(); ++i) {
+        if (rest[i] == "--json")
+            json = true;
+        else if (directory.empty())
+            directory = rest[i];
+        else
+            return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
+    }
+    if (directory.empty()) return usage_error("state needs a scenario directory");
+
+    library_s library;
+    std::string why;
+    if (!load(library_path, library, why)) {
+        std::fprintf(stderr, "stats_tool: cannot load the library:\n%s", why.c_str());
+        return exit_error;
+    }
+    if (!trace_directory.empty()) {
+        std::string settings = trace_directory + "/stats_mng.trc";
+        library.set_trc_file_log_path(settings.c_str(), trace_directory.c_str());
+    }
+    int status = run_state(library, directory, json);
+    os::free_library(library.module);
+    return status;
+}
