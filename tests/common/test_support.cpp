@@ -1,0 +1,100 @@
+#include "common/test_support.h"
+
+#include "platform/os.h"
+#include "support/trc.h"
+
+#include <atomic>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace test_support {
+
+std::string utf8(const fs::path& path) {
+    std::u8string text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
+fs::path from_utf8(const std::string& text) {
+    return fs::path(std::u8string(text.begin(), text.end()));
+}
+
+temp_dir_c::temp_dir_c() {
+    static std::atomic<unsigned> serial{0};
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        fs::path candidate = fs::temp_directory_path() /
+                             ("stats_mng_test_" + std::to_string(os::current_process_id()) + "_" +
+                              std::to_string(serial++) + "_" + std::to_string(random() % 100000));
+        std::error_code error;
+        if (fs::create_directory(candidate, error)) {
+            _path = fs::canonical(candidate);
+            return;
+        }
+    }
+    throw std::runtime_error("cannot make a temporary directory");
+}
+
+temp_dir_c::~temp_dir_c() {
+    std::error_code error;
+    fs::permissions(_path, fs::perms::owner_all, fs::perm_options::add, error);
+    fs::remove_all(_path, error);
+}
+
+std::string temp_dir_c::join(const std::string& name) const { return utf8(_path / from_utf8(name)); }
+
+std::string read_file(const std::string& utf8_path) {
+    std::ifstream in(from_utf8(utf8_path), std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+void write_file(const std::string& utf8_path, const std::string& content) {
+    std::ofstream out(from_utf8(utf8_path), std::ios::binary | std::ios::trunc);
+    out << content;
+}
+
+std::string bin_dir() { return utf8(from_utf8(os::executable_path()).parent_path()); }
+
+bool on_wine() {
+#if defined(_WIN32)
+    os::HMODULE ntdll = os::load_library("ntdll.dll");
+    bool wine = ntdll && os::find_symbol(ntdll, "wine_get_version") != nullptr;
+    return wine;
+#else
+    return false;
+#endif
+}
+
+trace_capture_c::trace_capture_c(const std::string& settings) {
+    std::string settings_file = _dir.join("trace.trc");
+    write_file(settings_file, settings);
+    std::uint64_t size = 0;
+    qvtr_set_log_directory(nullptr, size, _dir.str().c_str(), "capture", false);
+    qvtr_reparse_file(nullptr, size, settings_file.c_str());
+    _file = qvtr_current_log_file();
+}
+
+trace_capture_c::~trace_capture_c() {
+    std::uint64_t size = 0;
+    qvtr_set_log_directory(nullptr, size, nullptr, nullptr, false);
+    std::string defaults = _dir.join("defaults.trc");
+    write_file(defaults, "trace = on\nlevels = 0xffffffff\n");
+    qvtr_reparse_file(nullptr, size, defaults.c_str());
+}
+
+std::string trace_capture_c::text() const { return _file.empty() ? std::string() : read_file(_file); }
+
+std::size_t count_of(const std::string& haystack, const std::string& needle) {
+    if (needle.empty()) return 0;
+    std::size_t count = 0;
+    for (std::size_t at = haystack.find(needle); at != std::string::npos; at = haystack.find(needle, at + 1))
+        ++count;
+    return count;
+}
+
+} // namespace test_support

@@ -1,0 +1,68 @@
+// Helpers shared by the tests: scratch directories, files, the trace file and the platform.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace test_support {
+
+// UTF-8 text of a path, in the platform's own spelling.
+std::string utf8(const std::filesystem::path& path);
+std::filesystem::path from_utf8(const std::string& text);
+
+// A fresh directory under the system's temporary folder, removed with everything in it.
+class temp_dir_c {
+  public:
+    temp_dir_c();
+    ~temp_dir_c();
+    temp_dir_c(const temp_dir_c&) = delete;
+    temp_dir_c& operator=(const temp_dir_c&) = delete;
+
+    const std::filesystem::path& path() const { return _path; }
+    std::string str() const { return utf8(_path); }
+    // UTF-8 path of `name` inside the directory.
+    std::string join(const std::string& name) const;
+
+  private:
+    std::filesystem::path _path;
+};
+
+std::string read_file(const std::string& utf8_path);
+void write_file(const std::string& utf8_path, const std::string& content);
+
+// The directory that holds the running test executable (and the built library and tool).
+std::string bin_dir();
+
+// True when the Windows build runs under Wine.
+bool on_wine();
+// True for the Windows build.
+constexpr bool on_windows() {
+#if defined(_WIN32)
+    return true;
+#else
+    return false;
+#endif
+}
+
+// Sends the trace to a scratch directory for the lifetime of the object; text() reads the
+// trace file back. Only one may live at a time: the trace is process-wide.
+class trace_capture_c {
+  public:
+    explicit trace_capture_c(const std::string& settings = "trace = on\nlevels = 0xffffffff\n");
+    ~trace_capture_c();
+    trace_capture_c(const trace_capture_c&) = delete;
+    trace_capture_c& operator=(const trace_capture_c&) = delete;
+
+    std::string text() const;
+    std::string file() const { return _file; }
+    const temp_dir_c& dir() const { return _dir; }
+
+  private:
+    temp_dir_c _dir;
+    std::string _file;
+};
+
+// Number of times `needle` stands in `haystack`.
+std::size_t count_of(const std::string& haystack, const std::string& needle);
+
+} // namespace test_support
