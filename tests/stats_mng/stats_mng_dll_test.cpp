@@ -1,1 +1,144 @@
+// The four exports, called through the shared library loaded at run time as an engine process
+// does; trace lines are read back from the library's trace file.
+#include "common/loaded_library.h"
+#include "common/test_support.h"
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+using test_support::count_of;
+using test_support::loaded_library_c;
+using test_support::read_file;
+using test_support::temp_dir_c;
+
+namespace {
+
+// The form the library gives a path inside: forward slashes, no trailing one.
+std::string inside_form(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path;
+}
+
+class exports : public ::testing::Test {
+  protected:
+    void SetUp() override { ASSERT_TRUE(library.loaded()) << library.error(); }
+
+    loaded_library_c library;
+    temp_dir_c scenarios;
+    temp_dir_c trace_dir;
+};
+
+} // namespace
+
+TEST_F(exports, state_index_of_a_missing_path_is_false_and_unknown) {
+    unsigned int index = 7;
+    EXPECT_FALSE(library.get_scenario_state_index(scenarios.join("missing").c_str(), &index));
+    EXPECT_EQ(index, 3u);
+}
+
+TEST_F(exports, missing_path_gives_false_and_the_same_trace_line_from_each_query) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    std::string missing = scenarios.join("missing");
+    unsigned int index = 0;
+    EXPECT_FALSE(library.is_sync_replicated(missing.c_str()));
+    EXPECT_FALSE(library.is_engine_active_for_scenario(missing.c_str()));
+    EXPECT_FALSE(library.get_scenario_state_index(missing.c_str(), &index));
+    library.stop_trace();
+
+    std::string trace = read_file(trace_file);
+    std::string line = "Fail to find the path " + inside_form(missing) + ".\n";
+    EXPECT_EQ(count_of(trace, line), 3u) << trace;
+    EXPECT_EQ(count_of(trace, "level=4 stats_mng.dll:"), 3u) << trace;
+    EXPECT_EQ(count_of(trace, " is_engine_active_for_scenario: Fail to find"), 1u) << trace;
+    // get_scenario_state_index traces under the name of is_sync_replicated.
+    EXPECT_EQ(count_of(trace, " is_sync_replicated: Fail to find"), 2u) << trace;
+    EXPECT_EQ(count_of(trace, "get_scenario_state_index"), 0u) << trace;
+}
+
+TEST_F(exports, state_index_and_sync_replicated_trace_lines_differ_only_by_line_number) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    std::string missing = scenarios.join("missing");
+    unsigned int index = 0;
+    library.is_sync_replicated(missing.c_str());
+    library.get_scenario_state_index(missing.c_str(), &index);
+    library.stop_trace();
+    std::string trace = read_file(trace_file);
+    std::size_t first = trace.find("stats_mng.dll:"), second = trace.find("stats_mng.dll:", first + 1);
+    ASSERT_NE(second, std::string::npos) << trace;
+    std::string first_line = trace.substr(first, trace.find('\n', first) - first);
+    std::string second_line = trace.substr(second, trace.find('\n', second) - second);
+    EXPECT_NE(first_line, second_line);
+    EXPECT_EQ(first_line.substr(first_line.find(' ')), second_line.substr(second_line.find(' ')));
+}
+
+TEST_F(exports, set_trc_file_log_path_is_true_for_paths_that_do_not_exist) {
+    EXPECT_TRUE(library.set_trc_file_log_path(scenarios.join("no/such/settings.trc").c_str(),
+                                              scenarios.join("no/such/dir").c_str()));
+    EXPECT_TRUE(library.set_trc_file_log_path("", ""));
+}
+
+TEST_F(exports, set_trc_file_log_path_settings_file_switches_the_trace_off) {
+    std::string settings = trace_dir.join("off.trc");
+    test_support::write_file(settings, "trace = off\n");
+    ASSERT_TRUE(library.set_trc_file_log_path(settings.c_str(), trace_dir.str().c_str()));
+    library.is_sync_replicated(scenarios.join("missing").c_str());
+    std::string trace = read_file(trace_dir.join("stats_mng.dll.log"));
+    library.trace_into(trace_dir.str());
+    EXPECT_EQ(count_of(trace, "Fail to find the path"), 0u) << trace;
+}
+
+TEST_F(exports, existing_path_answers_false_until_state_files_are_read) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    unsigned int index = 0;
+    EXPECT_FALSE(library.is_engine_active_for_scenario(scenarios.str().c_str()));
+    EXPECT_FALSE(library.is_sync_replicated(scenarios.str().c_str()));
+    EXPECT_FALSE(library.get_scenario_state_index(scenarios.str().c_str(), &index));
+    EXPECT_EQ(index, 3u);
+    library.stop_trace();
+    EXPECT_EQ(count_of(read_file(trace_file), "Fail to find the path"), 0u);
+}
+
+TEST_F(exports, backslashes_trailing_slash_and_long_prefix_give_the_same_answers) {
+    std::string plain = inside_form(scenarios.str());
+    std::string backslashed = plain;
+    std::replace(backslashed.begin(), backslashed.end(), '/', '\\');
+    std::string long_form = "\\\\?\\" + backslashed;
+    std::string missing = plain + "/missing";
+    std::string missing_long = "\\\\?\\" + backslashed + "\\missing\\";
+
+    for (const std::string& form : {plain, backslashed, backslashed + "\\", plain + "/", long_form}) {
+        SCOPED_TRACE(form);
+        unsigned int index = 9;
+        EXPECT_EQ(library.is_engine_active_for_scenario(form.c_str()),
+                  library.is_engine_active_for_scenario(plain.c_str()));
+        EXPECT_EQ(library.is_sync_replicated(form.c_str()), library.is_sync_replicated(plain.c_str()));
+        EXPECT_EQ(library.get_scenario_state_index(form.c_str(), &index),
+                  library.get_scenario_state_index(plain.c_str(), &index));
+        EXPECT_EQ(index, 3u);
+    }
+
+    // A missing path is reported in its plain form whatever the spelling.
+    std::string trace_file = library.trace_into(trace_dir.str());
+    EXPECT_FALSE(library.is_sync_replicated(missing_long.c_str()));
+    EXPECT_FALSE(library.is_sync_replicated((missing + "//").c_str()));
+    library.stop_trace();
+    EXPECT_EQ(count_of(read_file(trace_file), "Fail to find the path " + missing + ".\n"), 2u);
+}
+
+TEST_F(exports, trace_lines_carry_time_thread_level_unit_and_function) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    library.is_engine_active_for_scenario(scenarios.join("missing").c_str());
+    library.stop_trace();
+    std::string trace = read_file(trace_file);
+    ASSERT_FALSE(trace.empty());
+    // "YYYY-MM-DD hh:mm:ss.mmm tid=N level=4 stats_mng.dll:LINE is_engine_active_for_scenario: ..."
+    EXPECT_EQ(trace[4], '-');
+    EXPECT_EQ(trace[13], ':');
+    EXPECT_EQ(trace[19], '.');
+    EXPECT_NE(trace.find(" tid="), std::string::npos);
+    EXPECT_NE(trace.find(" level=4 stats_mng.dll:"), std::string::npos);
+    EXPECT_NE(trace.find(" is_engine_active_for_scenario: Fail to find the path "), std::string::npos);
+}

@@ -1,1 +1,84 @@
+// stats_tool run as a separate process, as an operator or a script runs it.
+#include "common/test_support.h"
+#include "platform/os.h"
+
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using test_support::count_of;
+using test_support::temp_dir_c;
+
+namespace {
+
+struct run_result_s {
+    int status;
+    std::string output;
+};
+
+class stats_tool : public ::testing::Test {
+  protected:
+    run_result_s run(std::vector<std::string> args) {
+#if defined(_WIN32)
+        args.insert(args.begin(), test_support::bin_dir() + "/stats_tool.exe");
+#else
+        args.insert(args.begin(), test_support::bin_dir() + "/stats_tool");
+#endif
+        std::string output_file = scratch.join("output.txt");
+        int status = os::run_process(args, output_file);
+        return {status, test_support::read_file(output_file)};
+    }
+
+    temp_dir_c scratch;
+    temp_dir_c scenario;
+};
+
+} // namespace
+
+TEST_F(stats_tool, help_prints_usage_and_succeeds) {
+    run_result_s result = run({"--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.output.find("usage: stats_tool"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("state DIR"), std::string::npos) << result.output;
+}
+
+TEST_F(stats_tool, state_of_a_directory_without_state_files_is_unknown_and_negative) {
+    run_result_s result = run({"state", scenario.str()});
+    EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_NE(result.output.find("engine active:   no"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("sync replicated: no"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("state:           Unknown (3)"), std::string::npos) << result.output;
+}
+
+TEST_F(stats_tool, state_as_json) {
+    run_result_s result = run({"state", scenario.join("missing"), "--json"});
+    EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_NE(result.output.find("\"engine_active\": false"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("\"state_read\": false"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("\"state_index\": 3, \"state\": \"Unknown\"}"), std::string::npos)
+        << result.output;
+}
+
+TEST_F(stats_tool, trace_option_writes_the_library_trace) {
+    run_result_s result = run({"--trace", scratch.str(), "state", scenario.join("missing")});
+    EXPECT_EQ(result.status, 1) << result.output;
+    std::string trace = test_support::read_file(scratch.join("stats_mng.dll.log"));
+    EXPECT_EQ(count_of(trace, "Fail to find the path "), 3u) << trace;
+}
+
+TEST_F(stats_tool, usage_errors_exit_with_two) {
+    EXPECT_EQ(run({}).status, 2);
+    EXPECT_EQ(run({"state"}).status, 2);
+    EXPECT_EQ(run({"frobnicate", scenario.str()}).status, 2);
+    EXPECT_EQ(run({"state", scenario.str(), "extra"}).status, 2);
+    run_result_s result = run({"--library"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.output.find("missing value after --library"), std::string::npos) << result.output;
+}
+
+TEST_F(stats_tool, a_library_that_cannot_be_loaded_is_an_error) {
+    run_result_s result = run({"--library", scratch.join("no_such_library"), "state", scenario.str()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.output.find("cannot load the library"), std::string::npos) << result.output;
+}
