@@ -17,8 +17,14 @@ foreach(installed include/stats_mng.h lib/cmake/stats_mng/stats_mngConfig.cmake 
   endif()
 endforeach()
 
+# A sanitized library needs its runtime in the program that loads it.
+set(sanitize_flags "")
+if(SANITIZE)
+  set(sanitize_flags -fsanitize=${SANITIZE})
+endif()
 set(configure ${CMAKE_COMMAND} -S ${CONSUMER_SOURCE} -B ${WORK_DIR}/build -G Ninja
-    -Dstats_mng_DIR=${prefix}/lib/cmake/stats_mng)
+    -Dstats_mng_DIR=${prefix}/lib/cmake/stats_mng "-DCMAKE_C_FLAGS=${sanitize_flags}"
+    "-DCMAKE_EXE_LINKER_FLAGS=${sanitize_flags}")
 if(WINDOWS)
   list(APPEND configure -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
 endif()
@@ -45,7 +51,8 @@ else()
     message(FATAL_ERROR "pkg-config does not know stats_mng")
   endif()
   separate_arguments(flags UNIX_COMMAND "${flags}")
-  run(cc -std=c99 -Wall -Werror ${CONSUMER_SOURCE}/consumer.c ${flags} -o ${WORK_DIR}/consumer_pc)
+  run(cc -std=c99 -Wall -Werror ${sanitize_flags} ${CONSUMER_SOURCE}/consumer.c ${flags}
+      -o ${WORK_DIR}/consumer_pc)
   set(ENV{LD_LIBRARY_PATH} ${prefix}/lib)
   run(${WORK_DIR}/consumer_pc)
 endif()
