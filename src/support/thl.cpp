@@ -25,17 +25,47 @@ class ptr_list_c::guard_c {
 
 ptr_list_c::ptr_list_c(bool with_lock) : _lock(with_lock ? new std::recursive_mutex : nullptr) {}
 
-ptr_list_c::ptr_list_c(const ptr_list_c& other) : _lock(other._lock ? new std::recursive_mutex : nullptr) {
-    // Copying a list onto itself after it was filled must keep its contents; reading the source
-    // first makes that hold for every order of construction.
-    guard_c hold(other);
+// What a copy starts from. A list constructed from itself (the word tables are made so, after
+// they were filled) adopts its own chain, lock and name as they stand; any other source is read
+// under its lock and its data pointers are copied into new elements.
+struct ptr_list_c::contents_s {
+    ptr_list_element_c* first = nullptr;
+    ptr_list_element_c* last = nullptr;
+    std::uint64_t count = 0;
+    std::recursive_mutex* adopted_lock = nullptr;
+    bool with_lock = false;
+    const char* name = nullptr;
     std::vector<const void*> items;
-    items.reserve(static_cast<std::size_t>(other._count));
-    for (ptr_list_element_c* e = other._first; e; e = e->next) items.push_back(e->data);
-    _list_name = other._list_name;
-    _first = _last = _current = nullptr;
-    _count = 0;
-    for (const void* data : items) _append(new ptr_list_element_c(data));
+};
+
+ptr_list_c::contents_s ptr_list_c::_take_contents(const ptr_list_c& other, const ptr_list_c* self) {
+    contents_s contents;
+    guard_c hold(other);
+    contents.name = other._list_name;
+    if (&other == self) {
+        contents.first = other._first;
+        contents.last = other._last;
+        contents.count = other._count;
+        contents.adopted_lock = other._lock;
+    } else {
+        contents.with_lock = other._lock != nullptr;
+        contents.items.reserve(static_cast<std::size_t>(other._count));
+        for (ptr_list_element_c* e = other._first; e; e = e->next)
+            contents.items.push_back(e->data);
+    }
+    return contents;
+}
+
+// The default member initialisers of the fields would run before the body of a plain copy
+// constructor and wipe a list that is constructed from itself; delegating reads it first.
+ptr_list_c::ptr_list_c(const ptr_list_c& other) : ptr_list_c(_take_contents(other, this)) {}
+
+ptr_list_c::ptr_list_c(contents_s&& contents)
+    : _first(contents.first), _last(contents.last), _current(contents.last), _count(contents.count),
+      _list_name(contents.name), _lock(contents.adopted_lock ? contents.adopted_lock
+                                       : contents.with_lock  ? new std::recursive_mutex
+                                                             : nullptr) {
+    for (const void* data : contents.items) _append(new ptr_list_element_c(data));
 }
 
 ptr_list_c::~ptr_list_c() {
@@ -247,8 +277,13 @@ bool ptr_list_c::replace_positions(ptr_list_c* other, const void* data, thl_list
 std::size_t ptr_list_c::get_index(const void* data) const {
     guard_c hold(*this);
     std::size_t index = 0;
-    for (ptr_list_element_c* e = _first; e; e = e->next, ++index)
-        if (e->data == data) return index;
+    // As the other lists with a cursor: a match becomes current.
+    for (ptr_list_element_c* e = _first; e; e = e->next, ++index) {
+        if (e->data == data) {
+            _current = e;
+            return index;
+        }
+    }
     return static_cast<std::size_t>(-1);
 }
 

@@ -3,6 +3,7 @@
 #include "platform/os.h"
 
 #include <atomic>
+#include <cctype>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -179,9 +180,13 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
             else
                 understood = false;
         } else if (key == "levels") {
+            // Decimal, or hexadecimal after "0x"; a leading zero does not make it octal.
+            bool hex = value.size() > 2 && value[0] == '0' && (value[1] == 'x' || value[1] == 'X');
+            const char* digits = value.c_str() + (hex ? 2 : 0);
             char* end = nullptr;
-            unsigned long parsed = std::strtoul(value.c_str(), &end, 0);
-            if (!value.empty() && end && *end == 0)
+            unsigned long parsed = std::strtoul(digits, &end, hex ? 16 : 10);
+            bool is_digit = std::isxdigit(static_cast<unsigned char>(*digits)) != 0;
+            if (is_digit && end && *end == 0)
                 mask = static_cast<unsigned int>(parsed);
             else
                 understood = false;
