@@ -113,6 +113,7 @@ HANDLE CreateFileW(const wide_char* path, DWORD access, DWORD share, SECURITY_AT
                    DWORD disposition, DWORD flags_and_attributes, HANDLE template_file);
 BOOL CloseHandle(HANDLE handle);
 DWORD GetLongPathNameW(const wide_char* short_path, wide_char* long_path, DWORD length);
+DWORD GetShortPathNameW(const wide_char* long_path, wide_char* short_path, DWORD length);
 BOOL GetVolumePathNameW(const wide_char* path, wide_char* volume_path, DWORD length);
 int _waccess(const wide_char* path, int mode);
 

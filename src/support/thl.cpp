@@ -25,47 +25,13 @@ class ptr_list_c::guard_c {
 
 ptr_list_c::ptr_list_c(bool with_lock) : _lock(with_lock ? new std::recursive_mutex : nullptr) {}
 
-// What a copy starts from. A list constructed from itself (the word tables are made so, after
-// they were filled) adopts its own chain, lock and name as they stand; any other source is read
-// under its lock and its data pointers are copied into new elements.
-struct ptr_list_c::contents_s {
-    ptr_list_element_c* first = nullptr;
-    ptr_list_element_c* last = nullptr;
-    std::uint64_t count = 0;
-    std::recursive_mutex* adopted_lock = nullptr;
-    bool with_lock = false;
-    const char* name = nullptr;
-    std::vector<const void*> items;
-};
-
-ptr_list_c::contents_s ptr_list_c::_take_contents(const ptr_list_c& other, const ptr_list_c* self) {
-    contents_s contents;
+// A copy has the same data pointers in new elements, and a lock of its own if the source has one.
+// (Tables that are filled once are built with the ordinary constructor and then filled; a list
+// is never constructed from itself.)
+ptr_list_c::ptr_list_c(const ptr_list_c& other)
+    : _list_name(other._list_name), _lock(other._lock ? new std::recursive_mutex : nullptr) {
     guard_c hold(other);
-    contents.name = other._list_name;
-    if (&other == self) {
-        contents.first = other._first;
-        contents.last = other._last;
-        contents.count = other._count;
-        contents.adopted_lock = other._lock;
-    } else {
-        contents.with_lock = other._lock != nullptr;
-        contents.items.reserve(static_cast<std::size_t>(other._count));
-        for (ptr_list_element_c* e = other._first; e; e = e->next)
-            contents.items.push_back(e->data);
-    }
-    return contents;
-}
-
-// The default member initialisers of the fields would run before the body of a plain copy
-// constructor and wipe a list that is constructed from itself; delegating reads it first.
-ptr_list_c::ptr_list_c(const ptr_list_c& other) : ptr_list_c(_take_contents(other, this)) {}
-
-ptr_list_c::ptr_list_c(contents_s&& contents)
-    : _first(contents.first), _last(contents.last), _current(contents.last), _count(contents.count),
-      _list_name(contents.name), _lock(contents.adopted_lock ? contents.adopted_lock
-                                       : contents.with_lock  ? new std::recursive_mutex
-                                                             : nullptr) {
-    for (const void* data : contents.items) _append(new ptr_list_element_c(data));
+    for (ptr_list_element_c* e = other._first; e; e = e->next) _append(new ptr_list_element_c(e->data));
 }
 
 ptr_list_c::~ptr_list_c() {

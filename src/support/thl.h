@@ -89,11 +89,6 @@ class ptr_list_c {
 
   private:
     class guard_c;
-    struct contents_s;
-    // Builds the list from what _take_contents read; the copy constructor delegates here, so
-    // that the source is read before any field of this list is initialised.
-    explicit ptr_list_c(contents_s&& contents);
-    static contents_s _take_contents(const ptr_list_c& other, const ptr_list_c* self);
     ptr_list_element_c* _find_element(const void* data) const;
     ptr_list_element_c* _element_or_current(const void* data) const;
     void _unlink(ptr_list_element_c* element);

@@ -3,6 +3,7 @@
 #include "platform/os.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cctype>
 #include <chrono>
 #include <cstdarg>
@@ -160,9 +161,15 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
     bool enabled = trace.enabled.load();
     unsigned int mask = trace.mask.load();
     bool understood = true;
-    char raw[512];
-    while (std::fgets(raw, sizeof raw, settings)) {
-        std::string line = raw;
+    std::string content;
+    char chunk[4096];
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, settings)) > 0;) content.append(chunk, n);
+    std::size_t line_start = 0;
+    while (line_start < content.size()) {
+        std::size_t line_end = content.find('\n', line_start);
+        if (line_end == std::string::npos) line_end = content.size();
+        std::string line = content.substr(line_start, line_end - line_start);
+        line_start = line_end + 1;
         std::size_t hash = line.find('#');
         if (hash != std::string::npos) line.resize(hash);
         std::size_t equals = line.find('=');
@@ -184,9 +191,11 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
             bool hex = value.size() > 2 && value[0] == '0' && (value[1] == 'x' || value[1] == 'X');
             const char* digits = value.c_str() + (hex ? 2 : 0);
             char* end = nullptr;
+            errno = 0;
             unsigned long parsed = std::strtoul(digits, &end, hex ? 16 : 10);
+            bool in_range = errno != ERANGE && parsed <= 0xFFFFFFFFul;
             bool is_digit = std::isxdigit(static_cast<unsigned char>(*digits)) != 0;
-            if (is_digit && end && *end == 0)
+            if (is_digit && end && *end == 0 && in_range)
                 mask = static_cast<unsigned int>(parsed);
             else
                 understood = false;

@@ -930,26 +930,6 @@ TEST(ptr_list_misc, copy_constructor_copies_the_contents) {
     EXPECT_EQ(list.count(), 5u);
 }
 
-TEST(ptr_list_misc, copy_constructor_onto_the_list_itself_after_it_was_filled_keeps_the_contents) {
-    values_s v;
-    static const char name[] = "words";
-    // The word tables are built so: the list is filled, then constructed again from itself.
-    alignas(probe_list_c) unsigned char storage[sizeof(probe_list_c)];
-    probe_list_c* list = new (storage) probe_list_c(true);
-    fill(*list, v, 4);
-    list->set_list_name(name);
-    probe_list_c* again = new (storage) probe_list_c(*list);
-    EXPECT_EQ(again->contents(), items({v[0], v[1], v[2], v[3]}));
-    EXPECT_EQ(again->count(), 4u);
-    EXPECT_TRUE(again->chain_is_whole());
-    EXPECT_EQ(again->list_name(), name);
-    EXPECT_EQ(again->first(), v[0]);
-    EXPECT_EQ(again->next(nullptr), v[1]);
-    again->append(v[4]);
-    EXPECT_EQ(again->count(), 5u);
-    again->~probe_list_c();
-}
-
 // ---- the list's lock
 
 TEST(ptr_list_lock, lock_nests_with_the_lists_own_operations_on_the_same_thread) {

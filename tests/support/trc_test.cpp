@@ -320,3 +320,26 @@ TEST(trc_file, printing_without_a_file_does_nothing_harmful) {
     trace.print_nl(128, 2, "nowhere");
     EXPECT_EQ(qvtr_current_log_file(), "");
 }
+
+TEST(trc_settings, a_comment_line_longer_than_any_buffer_is_still_a_comment) {
+    trace_capture_c capture;
+    std::string long_comment = "# " + std::string(5000, 'x') + " trace = off\n";
+    EXPECT_TRUE(apply_settings(capture.dir(), long_comment + "levels = 4\n"));
+    print_every_level();
+    std::string text = capture.text();
+    EXPECT_TRUE(has_level_line(text, 4)) << text;
+    EXPECT_FALSE(has_level_line(text, 128)) << text;
+}
+
+TEST(trc_settings, a_negative_or_too_wide_mask_is_refused_and_the_mask_kept) {
+    trace_capture_c capture;
+    ASSERT_TRUE(apply_settings(capture.dir(), "levels = 4\n"));
+    EXPECT_FALSE(apply_settings(capture.dir(), "levels = -4\n"));
+    EXPECT_FALSE(apply_settings(capture.dir(), "levels = 0x1ffffffff\n"));
+    EXPECT_FALSE(apply_settings(capture.dir(), "levels = 99999999999999999999999\n"));
+    print_every_level();
+    std::string text = capture.text();
+    EXPECT_TRUE(has_level_line(text, 4)) << text;
+    EXPECT_FALSE(has_level_line(text, 1)) << text;
+    EXPECT_FALSE(has_level_line(text, 128)) << text;
+}
