@@ -81,7 +81,8 @@ void path_n::standard_dir_path(const char* src, char* dst, bool strip_long_prefi
         if (c == '.') {
             char after = read[i + 1];
             bool follows_separator = w > 0 && dst[w - 1] == '/';
-            if (w == 0 || (follows_separator && (after == 0 || after == '.' || is_separator(after))))
+            if (w == 0 ||
+                (follows_separator && (after == 0 || after == '.' || is_separator(after))))
                 has_dots = true;
         }
         dst[w++] = c;
@@ -251,7 +252,8 @@ bool path_n::drive_name_from_path(const char* src, char* dst) {
 bool path_n::is_full_path_name(const char* path) {
     if (!path) return false;
     if (path[0] == '/' || path[0] == '~') return true;
-    if (std::isalpha(static_cast<unsigned char>(path[0])) && path[1] == ':' && is_separator(path[2]))
+    if (std::isalpha(static_cast<unsigned char>(path[0])) && path[1] == ':' &&
+        is_separator(path[2]))
         return true;
     return begins_with(path, "\\\\") && path[2] != 0;
 }
@@ -272,7 +274,8 @@ bool path_n::is_file_in_dir(const char* file, const char* dir, bool case_sensiti
 bool path_n::is_stream_in_path(const char* file, const char* stream_path) {
     if (!file || !stream_path || bounded_length(file, 2) < 2) return false;
     const char* rest = stream_path;
-    if (std::isalpha(static_cast<unsigned char>(rest[0])) && rest[1] == ':' && is_separator(rest[2]))
+    if (std::isalpha(static_cast<unsigned char>(rest[0])) && rest[1] == ':' &&
+        is_separator(rest[2]))
         rest += 3;
     const char* colon = std::strrchr(rest, ':');
     if (!colon) return false;

@@ -17,7 +17,8 @@ inline constexpr const char* volume_pseudo_file = "$$qv-volume";
 inline constexpr std::size_t volume_pseudo_file_length = 11;
 inline constexpr std::size_t volume_guid_path_length = 48;
 inline constexpr std::size_t shadow_copy_prefix_length = 46;
-inline constexpr const char* shadow_copy_prefix = "\\\\?\\GLOBALROOT\\Device\\HarddiskVolumeShadowCopy";
+inline constexpr const char* shadow_copy_prefix =
+    "\\\\?\\GLOBALROOT\\Device\\HarddiskVolumeShadowCopy";
 
 // Forward slashes, one separator at a time, no trailing separator (but for a drive root),
 // the long prefix dropped on demand, "." and ".." resolved. `dst` holds 4096 bytes.

@@ -10,7 +10,9 @@ namespace {
 thl_crit_section_c* spare_section[5] = {};
 single_writer_multi_reader_c* spare_rw_lock = nullptr;
 
-template <int index> void build_spare_section() { spare_section[index] = new thl_crit_section_c(false); }
+template <int index> void build_spare_section() {
+    spare_section[index] = new thl_crit_section_c(false);
+}
 template <int index> void drop_spare_section() {
     delete spare_section[index];
     spare_section[index] = nullptr;

@@ -9,10 +9,10 @@
 namespace load_order_n {
 
 struct step_s {
-    int order;           // the step's number in the start-up order
-    const char* what;    // what the step builds
+    int order;        // the step's number in the start-up order
+    const char* what; // what the step builds
     void (*start)();
-    void (*stop)();      // null for what lives until the process ends
+    void (*stop)(); // null for what lives until the process ends
 };
 
 std::span<const step_s> steps();

@@ -31,7 +31,8 @@ ptr_list_c::ptr_list_c(bool with_lock) : _lock(with_lock ? new std::recursive_mu
 ptr_list_c::ptr_list_c(const ptr_list_c& other)
     : _list_name(other._list_name), _lock(other._lock ? new std::recursive_mutex : nullptr) {
     guard_c hold(other);
-    for (ptr_list_element_c* e = other._first; e; e = e->next) _append(new ptr_list_element_c(e->data));
+    for (ptr_list_element_c* e = other._first; e; e = e->next)
+        _append(new ptr_list_element_c(e->data));
 }
 
 ptr_list_c::~ptr_list_c() {
@@ -216,7 +217,8 @@ void ptr_list_c::unlock() const {
     if (_lock) _lock->unlock();
 }
 
-bool ptr_list_c::replace_positions(ptr_list_c* other, const void* data, thl_list_add_element_t where) {
+bool ptr_list_c::replace_positions(ptr_list_c* other, const void* data,
+                                   thl_list_add_element_t where) {
     if (!other || other == this) return false;
     // Both lists are taken in address order, so that two opposite moves cannot deadlock.
     const ptr_list_c* low = this < other ? this : other;

@@ -68,7 +68,8 @@ class ptr_list_c {
     virtual void clear();
     virtual void lock() const;
     virtual void unlock() const;
-    virtual bool replace_positions(ptr_list_c* other, const void* data, thl_list_add_element_t where);
+    virtual bool replace_positions(ptr_list_c* other, const void* data,
+                                   thl_list_add_element_t where);
 
     std::size_t get_index(const void* data) const;
     void set_list_name(const char* name);
@@ -145,7 +146,9 @@ class single_writer_multi_reader_c {
 
 class single_writer_lock_c {
   public:
-    explicit single_writer_lock_c(single_writer_multi_reader_c& lock) : _lock(lock) { _lock._mutex.lock(); }
+    explicit single_writer_lock_c(single_writer_multi_reader_c& lock) : _lock(lock) {
+        _lock._mutex.lock();
+    }
     ~single_writer_lock_c() { _lock._mutex.unlock(); }
     single_writer_lock_c(const single_writer_lock_c&) = delete;
     single_writer_lock_c& operator=(const single_writer_lock_c&) = delete;
@@ -156,7 +159,9 @@ class single_writer_lock_c {
 
 class multi_reader_lock_c {
   public:
-    explicit multi_reader_lock_c(single_writer_multi_reader_c& lock) : _lock(lock) { _lock._mutex.lock_shared(); }
+    explicit multi_reader_lock_c(single_writer_multi_reader_c& lock) : _lock(lock) {
+        _lock._mutex.lock_shared();
+    }
     ~multi_reader_lock_c() { _lock._mutex.unlock_shared(); }
     multi_reader_lock_c(const multi_reader_lock_c&) = delete;
     multi_reader_lock_c& operator=(const multi_reader_lock_c&) = delete;

@@ -3,8 +3,8 @@
 #include "platform/os.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cctype>
+#include <cerrno>
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -66,7 +66,8 @@ std::string format_message(const char* format, std::va_list args) {
 // One line: time, thread, level, source unit and line, function, message.
 void write_line(unsigned int level, const char* source, int line, const char* function,
                 std::string message) {
-    while (!message.empty() && (message.back() == '\n' || message.back() == '\r')) message.pop_back();
+    while (!message.empty() && (message.back() == '\n' || message.back() == '\r'))
+        message.pop_back();
     auto now = std::chrono::system_clock::now();
     auto since_epoch = now.time_since_epoch();
     std::int64_t seconds = std::chrono::duration_cast<std::chrono::seconds>(since_epoch).count();
@@ -76,7 +77,8 @@ void write_line(unsigned int level, const char* source, int line, const char* fu
     os::local_time(seconds, &local);
     char stamp[64];
     std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d.%03ld", local.tm_year + 1900,
-                  local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, millis);
+                  local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+                  millis);
     char head[512];
     std::snprintf(head, sizeof head, "%s tid=%llu level=%u %s:%d %s: ", stamp,
                   static_cast<unsigned long long>(os::current_thread_id()), level,
@@ -108,8 +110,8 @@ std::string trim(const std::string& text) {
 
 } // namespace
 
-qvtr_entry_c::qvtr_entry_c(const char* function, const char* source, unsigned int*,
-                           unsigned int*, int, bool enabled)
+qvtr_entry_c::qvtr_entry_c(const char* function, const char* source, unsigned int*, unsigned int*,
+                           int, bool enabled)
     : _function(function), _source(source), _enabled(enabled) {}
 
 void qvtr_entry_c::print(unsigned int level, int line, const char* format, ...) {
@@ -163,7 +165,8 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
     bool understood = true;
     std::string content;
     char chunk[4096];
-    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, settings)) > 0;) content.append(chunk, n);
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, settings)) > 0;)
+        content.append(chunk, n);
     std::size_t line_start = 0;
     while (line_start < content.size()) {
         std::size_t line_end = content.find('\n', line_start);

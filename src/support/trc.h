@@ -42,7 +42,7 @@ class qvtr_entry_c {
 };
 
 // Opens the scope `name` of the calling function, with a pair of state words of its own.
-#define QVTR_SCOPE(name, function, source)                                                       \
+#define QVTR_SCOPE(name, function, source)                                                         \
     static unsigned int qvtr_state1_##name = 0, qvtr_state2_##name = 0;                            \
     qvtr_entry_c name(function, source, &qvtr_state1_##name, &qvtr_state2_##name, __LINE__, true)
 

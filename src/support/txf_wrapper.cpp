@@ -43,9 +43,8 @@ os::DWORD txf_wrapper_c::GetLongPathNameTransacted(const wide_char* short_path,
     return os::txf::GetLongPathNameTransactedW(short_path, long_path, length, transaction);
 }
 
-void* txf_wrapper_c::FindFirstFileTransacted(const wide_char* pattern,
-                                             os::FINDEX_INFO_LEVELS level, void* data,
-                                             os::FINDEX_SEARCH_OPS search, void* filter,
+void* txf_wrapper_c::FindFirstFileTransacted(const wide_char* pattern, os::FINDEX_INFO_LEVELS level,
+                                             void* data, os::FINDEX_SEARCH_OPS search, void* filter,
                                              DWORD flags, void* transaction) {
     return os::txf::FindFirstFileTransactedW(pattern, level, data, search, filter, flags,
                                              transaction);

@@ -19,9 +19,11 @@ class txf_wrapper_c {
                                   os::LPPROGRESS_ROUTINE progress, void* data, DWORD flags,
                                   void* transaction);
     static int RemoveDirectoryTransacted(const wide_char* path, void* transaction);
-    static int SetFileAttributesTransacted(const wide_char* path, DWORD attributes, void* transaction);
-    static DWORD GetFileAttributesTransacted(const wide_char* path, os::GET_FILEEX_INFO_LEVELS level,
-                                             void* info, void* transaction);
+    static int SetFileAttributesTransacted(const wide_char* path, DWORD attributes,
+                                           void* transaction);
+    static DWORD GetFileAttributesTransacted(const wide_char* path,
+                                             os::GET_FILEEX_INFO_LEVELS level, void* info,
+                                             void* transaction);
     static DWORD GetLongPathNameTransacted(const wide_char* short_path, wide_char* long_path,
                                            DWORD length, void* transaction);
     static void* FindFirstFileTransacted(const wide_char* pattern, os::FINDEX_INFO_LEVELS level,

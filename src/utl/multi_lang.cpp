@@ -89,8 +89,9 @@ bool unicode_to_utf8(const wide_char* wide, char* narrow, int& size) {
         tr.print(QVTR_FAILURE, __LINE__, "Fail to convert from UNICODE to UTF-8 %d\n",
                  static_cast<int>(failure.error));
     else if (failure.kind == failure_s::short_target)
-        tr.print(QVTR_FAILURE, __LINE__, "Fail to convert from UNICODE to UTF-8, short buffer %d < %d\n",
-                 failure.room, failure.need);
+        tr.print(QVTR_FAILURE, __LINE__,
+                 "Fail to convert from UNICODE to UTF-8, short buffer %d < %d\n", failure.room,
+                 failure.need);
     return ok;
 }
 

@@ -14,8 +14,10 @@ class loaded_library_c {
     loaded_library_c(const loaded_library_c&) = delete;
     loaded_library_c& operator=(const loaded_library_c&) = delete;
 
-    bool loaded() const { return _module && is_engine_active_for_scenario && is_sync_replicated &&
-                                 get_scenario_state_index && set_trc_file_log_path; }
+    bool loaded() const {
+        return _module && is_engine_active_for_scenario && is_sync_replicated &&
+               get_scenario_state_index && set_trc_file_log_path;
+    }
     const std::string& error() const { return _error; }
 
     bool (*is_engine_active_for_scenario)(const char*) = nullptr;

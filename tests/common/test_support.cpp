@@ -44,7 +44,9 @@ temp_dir_c::~temp_dir_c() {
     fs::remove_all(_path, error);
 }
 
-std::string temp_dir_c::join(const std::string& name) const { return utf8(_path / from_utf8(name)); }
+std::string temp_dir_c::join(const std::string& name) const {
+    return utf8(_path / from_utf8(name));
+}
 
 std::string read_file(const std::string& utf8_path) {
     std::ifstream in(from_utf8(utf8_path), std::ios::binary);
@@ -87,12 +89,15 @@ trace_capture_c::~trace_capture_c() {
     qvtr_reparse_file(nullptr, size, defaults.c_str());
 }
 
-std::string trace_capture_c::text() const { return _file.empty() ? std::string() : read_file(_file); }
+std::string trace_capture_c::text() const {
+    return _file.empty() ? std::string() : read_file(_file);
+}
 
 std::size_t count_of(const std::string& haystack, const std::string& needle) {
     if (needle.empty()) return 0;
     std::size_t count = 0;
-    for (std::size_t at = haystack.find(needle); at != std::string::npos; at = haystack.find(needle, at + 1))
+    for (std::size_t at = haystack.find(needle); at != std::string::npos;
+         at = haystack.find(needle, at + 1))
         ++count;
     return count;
 }

@@ -25,7 +25,8 @@ std::vector<hostile_s> hostile_paths() {
     for (int c = 1; c < 32; ++c) control += static_cast<char>(c);
     return {
         {"longer_than_a_buffer", std::string(5000, 'a')},
-        {"long_with_separators", [] {
+        {"long_with_separators",
+         [] {
              std::string s;
              while (s.size() < 6000) s += "dir\\..\\./";
              return s;
@@ -37,11 +38,12 @@ std::vector<hostile_s> hostile_paths() {
         {"one_megabyte", std::string(1 << 20, 'x')},
         {"one_megabyte_unc", "\\\\" + std::string(1 << 20, 's')},
         {"one_megabyte_long_prefix", "\\\\?\\C:\\" + std::string(1 << 20, 'd')},
-        {"one_megabyte_volume_guid", "\\\\?\\Volume{00000000-0000-0000-0000-000000000000}\\" +
-                                         std::string(1 << 20, 'v')},
+        {"one_megabyte_volume_guid",
+         "\\\\?\\Volume{00000000-0000-0000-0000-000000000000}\\" + std::string(1 << 20, 'v')},
         {"one_megabyte_shadow_copy",
          "\\\\?\\GLOBALROOT\\Device\\HarddiskVolumeShadowCopy1\\" + std::string(1 << 20, 'c')},
-        {"one_megabyte_of_dots", [] {
+        {"one_megabyte_of_dots",
+         [] {
              std::string s;
              while (s.size() < (1u << 20)) s += "../";
              return s;
@@ -96,7 +98,8 @@ TEST_P(bad_input, wide_conversions_stay_inside_their_buffers) {
     std::vector<os::wide_char> wide(path_n::path_buffer_size + 64, 0x5A5A);
     for (bool prefix : {true, false}) {
         path_n::path_to_wide_char_path(GetParam().text.c_str(), wide.data(), prefix);
-        for (std::size_t i = path_n::path_buffer_size; i < wide.size(); ++i) ASSERT_EQ(wide[i], 0x5A5A);
+        for (std::size_t i = path_n::path_buffer_size; i < wide.size(); ++i)
+            ASSERT_EQ(wide[i], 0x5A5A);
         std::size_t n = 0;
         while (n < path_n::path_buffer_size && wide[n]) ++n;
         EXPECT_LT(n, path_n::path_buffer_size);
@@ -149,7 +152,8 @@ TEST_P(bad_input, exports_fail_with_unknown_state) {
     EXPECT_TRUE(library.set_trc_file_log_path("", ""));
 }
 
-INSTANTIATE_TEST_SUITE_P(hostile_paths, bad_input, ::testing::ValuesIn(hostile_paths()), param_name);
+INSTANTIATE_TEST_SUITE_P(hostile_paths, bad_input, ::testing::ValuesIn(hostile_paths()),
+                         param_name);
 
 TEST(bad_input_conversions, one_megabyte_of_invalid_utf8_converts_with_replacements) {
     std::string rubbish(1 << 20, '\xff');

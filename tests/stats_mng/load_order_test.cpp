@@ -31,8 +31,9 @@ TEST(load_order, loading_ran_every_step_in_order) {
     std::vector<int> journal = load_order_n::journal();
     std::vector<int> numbers = numbers_of_steps();
     ASSERT_GE(journal.size(), numbers.size());
-    EXPECT_EQ(std::vector<int>(journal.begin(), journal.begin() + static_cast<long>(numbers.size())),
-              numbers);
+    EXPECT_EQ(
+        std::vector<int>(journal.begin(), journal.begin() + static_cast<long>(numbers.size())),
+        numbers);
 }
 
 TEST(load_order, unloading_tears_down_in_reverse_order_and_loading_again_rebuilds) {
@@ -45,7 +46,8 @@ TEST(load_order, unloading_tears_down_in_reverse_order_and_loading_again_rebuild
     for (auto it = numbers.rbegin(); it != numbers.rend(); ++it) expected.push_back(-*it);
     expected.insert(expected.end(), numbers.begin(), numbers.end());
     ASSERT_EQ(journal.size(), before + expected.size());
-    EXPECT_EQ(std::vector<int>(journal.begin() + static_cast<long>(before), journal.end()), expected);
+    EXPECT_EQ(std::vector<int>(journal.begin() + static_cast<long>(before), journal.end()),
+              expected);
 }
 
 TEST(load_order, starting_twice_runs_nothing_again) {

@@ -66,7 +66,8 @@ TEST_F(exports, state_index_and_sync_replicated_trace_lines_differ_only_by_line_
     library.get_scenario_state_index(missing.c_str(), &index);
     library.stop_trace();
     std::string trace = read_file(trace_file);
-    std::size_t first = trace.find("stats_mng.dll:"), second = trace.find("stats_mng.dll:", first + 1);
+    std::size_t first = trace.find("stats_mng.dll:"),
+                second = trace.find("stats_mng.dll:", first + 1);
     ASSERT_NE(second, std::string::npos) << trace;
     std::string first_line = trace.substr(first, trace.find('\n', first) - first);
     std::string second_line = trace.substr(second, trace.find('\n', second) - second);
@@ -109,12 +110,14 @@ TEST_F(exports, backslashes_trailing_slash_and_long_prefix_give_the_same_answers
     std::string missing = plain + "/missing";
     std::string missing_long = "\\\\?\\" + backslashed + "\\missing\\";
 
-    for (const std::string& form : {plain, backslashed, backslashed + "\\", plain + "/", long_form}) {
+    for (const std::string& form :
+         {plain, backslashed, backslashed + "\\", plain + "/", long_form}) {
         SCOPED_TRACE(form);
         unsigned int index = 9;
         EXPECT_EQ(library.is_engine_active_for_scenario(form.c_str()),
                   library.is_engine_active_for_scenario(plain.c_str()));
-        EXPECT_EQ(library.is_sync_replicated(form.c_str()), library.is_sync_replicated(plain.c_str()));
+        EXPECT_EQ(library.is_sync_replicated(form.c_str()),
+                  library.is_sync_replicated(plain.c_str()));
         EXPECT_EQ(library.get_scenario_state_index(form.c_str(), &index),
                   library.get_scenario_state_index(plain.c_str(), &index));
         EXPECT_EQ(index, 3u);
@@ -140,5 +143,6 @@ TEST_F(exports, trace_lines_carry_time_thread_level_unit_and_function) {
     EXPECT_EQ(trace[19], '.');
     EXPECT_NE(trace.find(" tid="), std::string::npos);
     EXPECT_NE(trace.find(" level=4 stats_mng.dll:"), std::string::npos);
-    EXPECT_NE(trace.find(" is_engine_active_for_scenario: Fail to find the path "), std::string::npos);
+    EXPECT_NE(trace.find(" is_engine_active_for_scenario: Fail to find the path "),
+              std::string::npos);
 }

@@ -48,7 +48,8 @@ TEST_F(stats_tool, state_of_a_directory_without_state_files_is_unknown_and_negat
     EXPECT_EQ(result.status, 1) << result.output;
     EXPECT_NE(result.output.find("engine active:   no"), std::string::npos) << result.output;
     EXPECT_NE(result.output.find("sync replicated: no"), std::string::npos) << result.output;
-    EXPECT_NE(result.output.find("state:           Unknown (3)"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("state:           Unknown (3)"), std::string::npos)
+        << result.output;
 }
 
 TEST_F(stats_tool, state_as_json) {
@@ -74,11 +75,13 @@ TEST_F(stats_tool, usage_errors_exit_with_two) {
     EXPECT_EQ(run({"state", scenario.str(), "extra"}).status, 2);
     run_result_s result = run({"--library"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_NE(result.output.find("missing value after --library"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("missing value after --library"), std::string::npos)
+        << result.output;
 }
 
 TEST_F(stats_tool, a_library_that_cannot_be_loaded_is_an_error) {
-    run_result_s result = run({"--library", scratch.join("no_such_library"), "state", scenario.str()});
+    run_result_s result =
+        run({"--library", scratch.join("no_such_library"), "state", scenario.str()});
     EXPECT_EQ(result.status, 2);
     EXPECT_NE(result.output.find("cannot load the library"), std::string::npos) << result.output;
 }

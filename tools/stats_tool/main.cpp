@@ -73,10 +73,12 @@ bool load(const std::string& requested, library_s& library, std::string& why) {
         why += "  " + candidate + ": " + os::last_library_error() + "\n";
     }
     if (!library.module) return false;
-    bool complete = bind(library.module, "is_engine_active_for_scenario", library.is_engine_active_for_scenario) &&
-                    bind(library.module, "is_sync_replicated", library.is_sync_replicated) &&
-                    bind(library.module, "get_scenario_state_index", library.get_scenario_state_index) &&
-                    bind(library.module, "set_trc_file_log_path", library.set_trc_file_log_path);
+    bool complete =
+        bind(library.module, "is_engine_active_for_scenario",
+             library.is_engine_active_for_scenario) &&
+        bind(library.module, "is_sync_replicated", library.is_sync_replicated) &&
+        bind(library.module, "get_scenario_state_index", library.get_scenario_state_index) &&
+        bind(library.module, "set_trc_file_log_path", library.set_trc_file_log_path);
     if (!complete) why += "  an export is missing: " + os::last_library_error() + "\n";
     return complete;
 }
@@ -114,7 +116,8 @@ int run_state(const library_s& library, const std::string& directory, bool json)
         std::printf("scenario:        %s\n", directory.c_str());
         std::printf("engine active:   %s\n", active ? "yes" : "no");
         std::printf("sync replicated: %s\n", replicated ? "yes" : "no");
-        std::printf("state:           %s (%u)%s\n", word, index, read ? "" : ", no state file read");
+        std::printf("state:           %s (%u)%s\n", word, index,
+                    read ? "" : ", no state file read");
     }
     return read ? exit_yes : exit_no;
 }
