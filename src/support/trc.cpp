@@ -114,22 +114,24 @@ qvtr_entry_c::qvtr_entry_c(const char* function, const char* source, unsigned in
                            int, bool enabled)
     : _function(function), _source(source), _enabled(enabled) {}
 
+// Both forms end each line once: a format's own line end is dropped and the writer adds one.
 void qvtr_entry_c::print(unsigned int level, int line, const char* format, ...) {
-    if (!_enabled || !format || !wanted(level)) return;
     std::va_list args;
     va_start(args, format);
-    std::string message = format_message(format, args);
+    _print(level, line, format, args);
     va_end(args);
-    write_line(level, _source, line, _function, std::move(message));
 }
 
 void qvtr_entry_c::print_nl(unsigned int level, int line, const char* format, ...) {
-    if (!_enabled || !format || !wanted(level)) return;
     std::va_list args;
     va_start(args, format);
-    std::string message = format_message(format, args);
+    _print(level, line, format, args);
     va_end(args);
-    write_line(level, _source, line, _function, std::move(message));
+}
+
+void qvtr_entry_c::_print(unsigned int level, int line, const char* format, std::va_list args) {
+    if (!_enabled || !format || !wanted(level)) return;
+    write_line(level, _source, line, _function, format_message(format, args));
 }
 
 bool qvtr_set_log_directory(char* buffer, std::uint64_t& size, const char* directory,

@@ -3,6 +3,7 @@
 // on/off switch and the level mask of the settings file. Safe from any thread.
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
 #include <string>
 
@@ -36,6 +37,8 @@ class qvtr_entry_c {
     void print_nl(unsigned int level, int line, const char* format, ...) QVTR_PRINTF(4, 5);
 
   private:
+    void _print(unsigned int level, int line, const char* format, std::va_list args);
+
     const char* _function;
     const char* _source;
     bool _enabled;

@@ -1,7 +1,9 @@
 #include "common/test_support.h"
 
+#include "files/file.h"
 #include "platform/os.h"
 #include "support/trc.h"
+#include "utl/utl.h"
 
 #include <atomic>
 #include <fstream>
@@ -91,6 +93,50 @@ trace_capture_c::~trace_capture_c() {
 
 std::string trace_capture_c::text() const {
     return _file.empty() ? std::string() : read_file(_file);
+}
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        std::string line = text.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+        start = end + 1;
+    }
+    return lines;
+}
+
+std::string trace_line(const std::string& trace, const std::string& message) {
+    for (const std::string& line : lines_of(trace)) {
+        if (line.size() >= message.size() &&
+            line.compare(line.size() - message.size(), message.size(), message) == 0)
+            return line;
+    }
+    return {};
+}
+
+std::string short_form(const std::string& path) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size), short_wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(path.c_str(), wide.data(), false);
+    os::DWORD n = os::GetShortPathNameW(wide.data(), short_wide.data(),
+                                        static_cast<os::DWORD>(path_n::path_buffer_size));
+    if (n == 0 || n >= path_n::path_buffer_size) return {};
+    if (utl_n::uni_stricmp(wide.data(), short_wide.data()) == 0) return {};
+    std::vector<char> narrow(path_n::path_buffer_size, 0);
+    path_n::wide_char_path_to_path(short_wide.data(), narrow.data());
+    return narrow.data();
+}
+
+bool long_names_resolve_with_prefix(const std::string& short_path) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size), long_wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(short_path.c_str(), wide.data(), true);
+    os::DWORD n = os::GetLongPathNameW(wide.data(), long_wide.data(),
+                                       static_cast<os::DWORD>(path_n::path_buffer_size));
+    return n > 0 && n < path_n::path_buffer_size &&
+           utl_n::uni_stricmp(wide.data(), long_wide.data()) != 0;
 }
 
 std::size_t count_of(const std::string& haystack, const std::string& needle) {

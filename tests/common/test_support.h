@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace test_support {
 
@@ -61,6 +62,20 @@ class trace_capture_c {
     temp_dir_c _dir;
     std::string _file;
 };
+
+// The lines of a text, without their line ends.
+std::vector<std::string> lines_of(const std::string& text);
+
+// The whole line of `trace` that ends with `message`, without its line end; empty when none does.
+std::string trace_line(const std::string& trace, const std::string& message);
+
+// The UTF-8 short form of an existing path, as the system gives it; empty where none exists.
+std::string short_form(const std::string& path);
+
+// Whether the system's GetLongPathNameW expands the short form of a path given with the long-path
+// prefix, as the library asks it. Wine 8 hands back every path that begins with two backslashes
+// unchanged.
+bool long_names_resolve_with_prefix(const std::string& short_path);
 
 // Number of times `needle` stands in `haystack`.
 std::size_t count_of(const std::string& haystack, const std::string& needle);

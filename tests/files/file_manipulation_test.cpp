@@ -16,6 +16,10 @@
 #include <cerrno>
 #endif
 
+using test_support::long_names_resolve_with_prefix;
+using test_support::short_form;
+using test_support::trace_line;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -28,47 +32,6 @@ const std::string unknown_guid_path = R"(\\?\Volume{cc59759e-d00a-11dc-b6ff-806e
 
 void make_file(const std::string& path) { test_support::write_file(path, "content"); }
 void make_dir(const std::string& path) { fs::create_directories(test_support::from_utf8(path)); }
-
-// The whole trace line that ends with `message`, without its line end; empty when none does.
-std::string trace_line(const std::string& trace, const std::string& message) {
-    std::size_t from = 0;
-    while (from < trace.size()) {
-        std::size_t end = trace.find('\n', from);
-        if (end == std::string::npos) end = trace.size();
-        std::string line = trace.substr(from, end - from);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (line.size() >= message.size() &&
-            line.compare(line.size() - message.size(), message.size(), message) == 0)
-            return line;
-        from = end + 1;
-    }
-    return {};
-}
-
-// The UTF-8 short form of an existing path, as the system gives it; empty where none exists.
-std::string short_form(const std::string& path) {
-    std::vector<wide_char> wide(path_n::path_buffer_size), short_wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(path.c_str(), wide.data(), false);
-    os::DWORD n = os::GetShortPathNameW(wide.data(), short_wide.data(),
-                                        static_cast<os::DWORD>(path_n::path_buffer_size));
-    if (n == 0 || n >= path_n::path_buffer_size) return {};
-    if (utl_n::uni_stricmp(wide.data(), short_wide.data()) == 0) return {};
-    std::vector<char> narrow(path_n::path_buffer_size, 0);
-    path_n::wide_char_path_to_path(short_wide.data(), narrow.data());
-    return narrow.data();
-}
-
-// Whether the system's GetLongPathNameW expands the short form of `path` given with the long-path
-// prefix, as the library asks it. Wine 8 hands back every path that begins with two backslashes
-// unchanged.
-bool long_names_resolve_with_prefix(const std::string& short_path) {
-    std::vector<wide_char> wide(path_n::path_buffer_size), long_wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(short_path.c_str(), wide.data(), true);
-    os::DWORD n = os::GetLongPathNameW(wide.data(), long_wide.data(),
-                                       static_cast<os::DWORD>(path_n::path_buffer_size));
-    return n > 0 && n < path_n::path_buffer_size &&
-           utl_n::uni_stricmp(wide.data(), long_wide.data()) != 0;
-}
 
 // Whether the system opens a file through a path below a volume-GUID name.
 bool opens_below_volume_guid(const std::string& path) {

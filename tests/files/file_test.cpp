@@ -11,6 +11,9 @@
 #include <string>
 #include <vector>
 
+using test_support::long_names_resolve_with_prefix;
+using test_support::short_form;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -69,31 +72,6 @@ std::string shadow_root(const char* src) {
     if (!result) return "<null>:" + std::string(dst.data());
     EXPECT_EQ(result, dst.data());
     return result;
-}
-
-// The UTF-8 short form of an existing path, as the system gives it; empty where none exists.
-std::string short_form(const std::string& path) {
-    std::vector<wide_char> wide(path_n::path_buffer_size), short_wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(path.c_str(), wide.data(), false);
-    os::DWORD n = os::GetShortPathNameW(wide.data(), short_wide.data(),
-                                        static_cast<os::DWORD>(path_n::path_buffer_size));
-    if (n == 0 || n >= path_n::path_buffer_size) return {};
-    if (utl_n::uni_stricmp(wide.data(), short_wide.data()) == 0) return {};
-    std::vector<char> narrow(path_n::path_buffer_size, 0);
-    path_n::wide_char_path_to_path(short_wide.data(), narrow.data());
-    return narrow.data();
-}
-
-// Whether the system's GetLongPathNameW expands the short form of `path` given with the long-path
-// prefix, as the library asks it. Wine 8 hands back every path that begins with two backslashes
-// unchanged.
-bool long_names_resolve_with_prefix(const std::string& short_path) {
-    std::vector<wide_char> wide(path_n::path_buffer_size), long_wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(short_path.c_str(), wide.data(), true);
-    os::DWORD n = os::GetLongPathNameW(wide.data(), long_wide.data(),
-                                       static_cast<os::DWORD>(path_n::path_buffer_size));
-    return n > 0 && n < path_n::path_buffer_size &&
-           utl_n::uni_stricmp(wide.data(), long_wide.data()) != 0;
 }
 
 // ---- standard_dir_path

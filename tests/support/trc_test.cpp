@@ -19,22 +19,9 @@ using test_support::temp_dir_c;
 using test_support::trace_capture_c;
 using test_support::write_file;
 
-namespace {
+using test_support::lines_of;
 
-// The lines of a trace file, without their line ends.
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-        start = end + 1;
-    }
-    return lines;
-}
+namespace {
 
 // Re-reads the settings from a file with the given content.
 bool apply_settings(const temp_dir_c& dir, const std::string& content) {

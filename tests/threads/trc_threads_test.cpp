@@ -21,6 +21,8 @@ using test_support::temp_dir_c;
 using test_support::trace_capture_c;
 using test_support::write_file;
 
+using test_support::lines_of;
+
 namespace {
 
 constexpr int thread_count = 8;
@@ -28,20 +30,6 @@ constexpr int lines_per_thread = 300;
 
 // A payload long enough that two writers interleaving inside a line would show.
 const std::string payload(200, '=');
-
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-        start = end + 1;
-    }
-    return lines;
-}
 
 // One traced function, run by one thread; it prints `count` numbered lines at level 128, or with
 // `mixed_levels` the even ones at 4 and the odd ones at 128. Lines end by either form of print.

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+using test_support::trace_line;
+
 namespace {
 
 using multi_lang_str_n::wide_char;
@@ -20,22 +22,6 @@ const std::string sample_utf8 = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
 const std::u16string sample_utf16 = u"a\u00E9\u20AC\U0001F600";
 constexpr int sample_bytes_needed = 11;
 constexpr int sample_units_needed = 6;
-
-// The whole trace line that ends with `message`, without its line end; empty when none does.
-std::string trace_line(const std::string& trace, const std::string& message) {
-    std::size_t from = 0;
-    while (from < trace.size()) {
-        std::size_t end = trace.find('\n', from);
-        if (end == std::string::npos) end = trace.size();
-        std::string line = trace.substr(from, end - from);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (line.size() >= message.size() &&
-            line.compare(line.size() - message.size(), message.size(), message) == 0)
-            return line;
-        from = end + 1;
-    }
-    return {};
-}
 
 bool has_level(const std::string& line, unsigned level) {
     return line.find(" level=" + std::to_string(level) + " ") != std::string::npos;
