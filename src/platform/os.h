@@ -7,6 +7,7 @@
 // system headers never meet the declarations below.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -61,7 +62,9 @@ inline constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 inline constexpr DWORD ERROR_DIRECTORY = 267;
 inline constexpr DWORD ERROR_OPERATION_ABORTED = 995;
 inline constexpr DWORD ERROR_IO_PENDING = 997;
+inline constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
 inline constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+inline constexpr DWORD ERROR_NOT_A_REPARSE_POINT = 4390;
 inline constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 
 // Access, sharing, disposition, attribute and flag values of CreateFileW.
@@ -87,6 +90,21 @@ inline constexpr DWORD FILE_FLAG_OVERLAPPED = 0x40000000;
 
 inline constexpr unsigned CP_UTF8 = 65001;
 
+inline constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
+inline constexpr DWORD FORMAT_MESSAGE_IGNORE_INSERTS = 0x200;
+inline constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
+inline constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
+inline constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8;
+
+// The status block of the native calls.
+struct IO_STATUS_BLOCK {
+    union {
+        long Status;
+        void* Pointer;
+    };
+    std::uintptr_t Information;
+};
+
 // Opaque records of calls whose extra arguments the library always passes as null.
 struct SECURITY_ATTRIBUTES;
 using LPPROGRESS_ROUTINE = void*;
@@ -105,8 +123,16 @@ int MultiByteToWideChar(unsigned code_page, DWORD flags, const char* src, int sr
                         wide_char* dst, int dst_len);
 int WideCharToMultiByte(unsigned code_page, DWORD flags, const wide_char* src, int src_len,
                         char* dst, int dst_len);
+// With FORMAT_MESSAGE_ALLOCATE_BUFFER, `buffer` is the address of a wide_char* that receives a
+// block to release with LocalFree. The length of the text in units, or 0.
+DWORD FormatMessageW(DWORD flags, const void* source, DWORD message_id, DWORD language_id,
+                     wide_char* buffer, DWORD size, void* arguments);
+void* LocalFree(void* block);
 wide_char* CharLowerW(wide_char* text);
 int _wcsicmp(const wide_char* a, const wide_char* b);
+// Comparisons of narrow text that fold only A-Z, as the C runtime does in the "C" locale.
+int _stricmp(const char* a, const char* b);
+int _strnicmp(const char* a, const char* b, std::size_t count);
 
 // ---- files and volumes
 HANDLE CreateFileW(const wide_char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
@@ -116,6 +142,17 @@ DWORD GetLongPathNameW(const wide_char* short_path, wide_char* long_path, DWORD 
 DWORD GetShortPathNameW(const wide_char* long_path, wide_char* short_path, DWORD length);
 BOOL GetVolumePathNameW(const wide_char* path, wide_char* volume_path, DWORD length);
 int _waccess(const wide_char* path, int mode);
+BOOL MoveFileExW(const wide_char* from, const wide_char* to, DWORD flags);
+BOOL GetDiskFreeSpaceExW(const wide_char* path, std::uint64_t* free_to_caller, std::uint64_t* total,
+                         std::uint64_t* total_free);
+BOOL GetDiskFreeSpaceW(const wide_char* path, DWORD* sectors_per_cluster, DWORD* bytes_per_sector,
+                       DWORD* free_clusters, DWORD* total_clusters);
+BOOL GetVolumeNameForVolumeMountPointW(const wide_char* mount_point, wide_char* volume_name,
+                                       DWORD length);
+
+// ---- the native call that the documented interface doesn't offer, found at run time
+long ZwQueryInformationFile(HANDLE handle, IO_STATUS_BLOCK* status, void* buffer, DWORD length,
+                            DWORD information_class);
 
 // ---- transacted calls, resolved at run time where the system has them
 namespace txf {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/types.h>
 
 namespace os::posix {
@@ -14,6 +15,9 @@ struct syscall_table_s {
     int (*stat)(const char* path, struct stat* result);
     int (*fstat)(int fd, struct stat* result);
     int (*mkdir)(const char* path, mode_t mode);
+    // rename(2); with `no_replace` an existing target fails with EEXIST.
+    int (*rename)(const char* from, const char* to, bool no_replace);
+    int (*statvfs)(const char* path, struct statvfs* result);
 };
 
 // The table in force; tests may overwrite entries and must restore them.
