@@ -70,6 +70,15 @@ inline constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 // Access, sharing, disposition, attribute and flag values of CreateFileW.
 inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
+inline constexpr DWORD GENERIC_ALL = 0x10000000;
+inline constexpr DWORD FILE_READ_DATA = 0x1;
+inline constexpr DWORD FILE_WRITE_DATA = 0x2;
+inline constexpr DWORD FILE_APPEND_DATA = 0x4;
+inline constexpr DWORD FILE_EXECUTE = 0x20;
+inline constexpr DWORD DELETE = 0x10000;
+inline constexpr DWORD WRITE_DAC = 0x40000;
+inline constexpr DWORD WRITE_OWNER = 0x80000;
+inline constexpr DWORD ACCESS_SYSTEM_SECURITY = 0x01000000;
 inline constexpr DWORD FILE_SHARE_READ = 0x1;
 inline constexpr DWORD FILE_SHARE_WRITE = 0x2;
 inline constexpr DWORD FILE_SHARE_DELETE = 0x4;
@@ -87,6 +96,10 @@ inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
 inline constexpr DWORD FILE_FLAG_OVERLAPPED = 0x40000000;
+inline constexpr DWORD FILE_FLAG_WRITE_THROUGH = 0x80000000;
+inline constexpr DWORD FILE_FLAG_NO_BUFFERING = 0x20000000;
+inline constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
+inline constexpr DWORD FILE_FLAG_OPEN_REPARSE_POINT = 0x00200000;
 
 inline constexpr unsigned CP_UTF8 = 65001;
 
@@ -95,6 +108,43 @@ inline constexpr DWORD FORMAT_MESSAGE_IGNORE_INSERTS = 0x200;
 inline constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
 inline constexpr DWORD MOVEFILE_REPLACE_EXISTING = 0x1;
 inline constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8;
+
+inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
+inline constexpr DWORD FILE_BEGIN = 0;
+inline constexpr DWORD FILE_CURRENT = 1;
+inline constexpr DWORD FILE_END = 2;
+
+// The system's record of a transfer at an explicit position.
+struct OVERLAPPED {
+    std::uintptr_t Internal;
+    std::uintptr_t InternalHigh;
+    union {
+        struct {
+            DWORD Offset;
+            DWORD OffsetHigh;
+        };
+        void* Pointer;
+    };
+    HANDLE hEvent;
+};
+
+struct FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+};
+
+struct BY_HANDLE_FILE_INFORMATION {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD dwVolumeSerialNumber;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD nNumberOfLinks;
+    DWORD nFileIndexHigh;
+    DWORD nFileIndexLow;
+};
 
 // The status block of the native calls.
 struct IO_STATUS_BLOCK {
@@ -153,6 +203,24 @@ BOOL GetVolumeNameForVolumeMountPointW(const wide_char* mount_point, wide_char* 
 // ---- the native call that the documented interface doesn't offer, found at run time
 long ZwQueryInformationFile(HANDLE handle, IO_STATUS_BLOCK* status, void* buffer, DWORD length,
                             DWORD information_class);
+
+// ---- reading and writing open files
+BOOL ReadFile(HANDLE file, void* buffer, DWORD count, DWORD* done, OVERLAPPED* overlapped);
+BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* done, OVERLAPPED* overlapped);
+BOOL GetOverlappedResult(HANDLE file, OVERLAPPED* overlapped, DWORD* done, BOOL wait);
+DWORD SetFilePointer(HANDLE file, long distance, long* distance_high, DWORD method);
+BOOL SetEndOfFile(HANDLE file);
+BOOL FlushFileBuffers(HANDLE file);
+// A second handle in this process to the same open, with the same access.
+BOOL DuplicateHandle(HANDLE source, HANDLE* target);
+BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information);
+HANDLE CreateEventW(SECURITY_ATTRIBUTES* security, BOOL manual_reset, BOOL initial_state,
+                    const wide_char* name);
+// C streams over handles, as the C runtime gives them.
+int _open_osfhandle(std::intptr_t handle, int flags);
+std::intptr_t _get_osfhandle(int fd);
+std::FILE* _fdopen(int fd, const char* mode);
+int _fileno(std::FILE* stream);
 
 // ---- transacted calls, resolved at run time where the system has them
 namespace txf {

@@ -21,4 +21,31 @@ std::string native_path(const wide_char* path);
 // UTF-8 to UTF-16 and back with the replacement rules of the Win32 code-page calls.
 std::u16string utf8_to_utf16(const char* text);
 
+// What a HANDLE points to on this system: a descriptor with what it was opened for, or an event.
+struct handle_s {
+    int fd = -1;
+    DWORD access = 0;
+    bool overlapped = false;
+    bool is_event = false;
+    bool event_signalled = false;
+};
+
+// The record behind a handle, or null (and ERROR_INVALID_HANDLE) for an invalid one.
+handle_s* handle_of(HANDLE handle);
+
+// The kinds of access that take part in sharing.
+struct share_access_s {
+    bool read = false;
+    bool write = false;
+    bool remove = false;
+};
+share_access_s sharing_access_of(DWORD access);
+
+enum class share_claim_t { granted, refused, not_taking_part };
+// Claims the share mode of an open of `access` that shares `share` on the descriptor.
+share_claim_t claim_share_mode(int fd, DWORD access, DWORD share);
+void release_share_mode(int fd);
+// True when another open of the file refuses to share deletion.
+bool delete_refused_elsewhere(int fd);
+
 } // namespace os::posix
