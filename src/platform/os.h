@@ -63,7 +63,9 @@ inline constexpr DWORD ERROR_DIRECTORY = 267;
 inline constexpr DWORD ERROR_OPERATION_ABORTED = 995;
 inline constexpr DWORD ERROR_IO_PENDING = 997;
 inline constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
+inline constexpr DWORD ERROR_NO_MORE_FILES = 18;
 inline constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+inline constexpr DWORD ERROR_PRIVILEGE_NOT_HELD = 1314;
 inline constexpr DWORD ERROR_NOT_A_REPARSE_POINT = 4390;
 inline constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 
@@ -92,7 +94,13 @@ inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
 inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
+inline constexpr DWORD FILE_ATTRIBUTE_DEVICE = 0x40;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD FILE_ATTRIBUTE_SPARSE_FILE = 0x200;
+inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+inline constexpr DWORD FILE_ATTRIBUTE_COMPRESSED = 0x800;
+inline constexpr DWORD FILE_ATTRIBUTE_OFFLINE = 0x1000;
+inline constexpr DWORD FILE_ATTRIBUTE_ENCRYPTED = 0x4000;
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
 inline constexpr DWORD FILE_FLAG_OVERLAPPED = 0x40000000;
@@ -203,6 +211,62 @@ BOOL GetVolumeNameForVolumeMountPointW(const wide_char* mount_point, wide_char* 
 // ---- the native call that the documented interface doesn't offer, found at run time
 long ZwQueryInformationFile(HANDLE handle, IO_STATUS_BLOCK* status, void* buffer, DWORD length,
                             DWORD information_class);
+
+// ---- attributes, directories and their contents
+DWORD GetFileAttributesW(const wide_char* path);
+BOOL SetFileAttributesW(const wide_char* path, DWORD attributes);
+BOOL DeleteFileW(const wide_char* path);
+BOOL CreateDirectoryW(const wide_char* path, SECURITY_ATTRIBUTES* security);
+BOOL RemoveDirectoryW(const wide_char* path);
+
+inline constexpr DWORD MAX_PATH = 260;
+inline constexpr DWORD FIND_FIRST_EX_LARGE_FETCH = 0x2;
+inline constexpr DWORD FIND_FIRST_EX_CASE_SENSITIVE = 0x1;
+
+struct WIN32_FIND_DATAW {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD dwReserved0;
+    DWORD dwReserved1;
+    wide_char cFileName[MAX_PATH];
+    wide_char cAlternateFileName[14];
+};
+
+HANDLE FindFirstFileW(const wide_char* pattern, WIN32_FIND_DATAW* data);
+HANDLE FindFirstFileExW(const wide_char* pattern, FINDEX_INFO_LEVELS level, void* data,
+                        FINDEX_SEARCH_OPS search, void* filter, DWORD flags);
+BOOL FindNextFileW(HANDLE search, WIN32_FIND_DATAW* data);
+BOOL FindClose(HANDLE search);
+
+// ---- drives and volumes
+inline constexpr unsigned DRIVE_UNKNOWN = 0;
+inline constexpr unsigned DRIVE_NO_ROOT_DIR = 1;
+inline constexpr unsigned DRIVE_REMOVABLE = 2;
+inline constexpr unsigned DRIVE_FIXED = 3;
+inline constexpr unsigned DRIVE_REMOTE = 4;
+inline constexpr unsigned DRIVE_CDROM = 5;
+inline constexpr unsigned DRIVE_RAMDISK = 6;
+inline constexpr DWORD FILE_CASE_SENSITIVE_SEARCH = 0x1;
+inline constexpr DWORD FILE_CASE_PRESERVED_NAMES = 0x2;
+inline constexpr DWORD FILE_UNICODE_ON_DISK = 0x4;
+inline constexpr DWORD FILE_FILE_COMPRESSION = 0x10;
+inline constexpr DWORD FSCTL_GET_REPARSE_POINT = 0x000900A8;
+inline constexpr DWORD FSCTL_SET_SPARSE = 0x000900C4;
+inline constexpr DWORD FSCTL_SET_COMPRESSION = 0x0009C040;
+inline constexpr DWORD IO_REPARSE_TAG_SYMLINK = 0xA000000C;
+inline constexpr DWORD IO_REPARSE_TAG_MOUNT_POINT = 0xA0000003;
+
+unsigned GetDriveTypeW(const wide_char* root);
+BOOL GetVolumeInformationW(const wide_char* root, wide_char* volume_name, DWORD volume_name_size,
+                           DWORD* serial_number, DWORD* longest_component, DWORD* flags,
+                           wide_char* file_system_name, DWORD file_system_name_size);
+DWORD QueryDosDeviceW(const wide_char* device, wide_char* target, DWORD size);
+BOOL DeviceIoControl(HANDLE device, DWORD code, void* in, DWORD in_size, void* out, DWORD out_size,
+                     DWORD* returned, OVERLAPPED* overlapped);
 
 // ---- reading and writing open files
 BOOL ReadFile(HANDLE file, void* buffer, DWORD count, DWORD* done, OVERLAPPED* overlapped);

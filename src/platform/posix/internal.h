@@ -21,9 +21,21 @@ std::string native_path(const wide_char* path);
 // UTF-8 to UTF-16 and back with the replacement rules of the Win32 code-page calls.
 std::u16string utf8_to_utf16(const char* text);
 
+// The Win32 attribute word of a file as this system keeps it: the directory bit, read-only for a
+// file that nobody may write, the bits kept in the extended attribute "user.DOSATTRIB" (as Wine
+// writes it, "0x2" for hidden), hidden for a name that starts with a dot, the reparse bit for a
+// symbolic link (when links are not followed), archive for a plain file otherwise unmarked.
+// INVALID_FILE_ATTRIBUTES with the thread's last error set when the file can't be looked at.
+DWORD attributes_of(const std::string& path, bool follow_links);
+// Keeps the bits of `attributes` that this system can keep: read-only in the permission bits,
+// hidden, system, archive and offline in "user.DOSATTRIB". False with the last error set.
+bool store_attributes(const std::string& path, DWORD attributes);
+
 // What a HANDLE points to on this system: a descriptor with what it was opened for, or an event.
 struct handle_s {
     int fd = -1;
+    std::string path;     // the name it was opened under
+    bool is_link = false; // opened on a symbolic link itself (O_PATH)
     DWORD access = 0;
     bool overlapped = false;
     bool is_event = false;

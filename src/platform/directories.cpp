@@ -1,0 +1,8 @@
+// Portable front of the operating-system service; the system's own part follows.
+#include "platform/os.h"
+
+#if defined(_WIN32)
+#include "win32/directories.inc"
+#else
+#include "posix/directories.inc"
+#endif
