@@ -1,5 +1,6 @@
 #include "files/qv_io_api_createfile.h"
 
+#include "files/basic_file.h"
 #include "files/file.h"
 #include "files/fs_info.h"
 #include "support/trc.h"
@@ -7,6 +8,7 @@
 #include "utl/multi_lang.h"
 #include "utl/utl.h"
 #include "utl/utl_stream.h"
+#include "utl/value.h"
 
 #include <algorithm>
 #include <cctype>
@@ -175,4 +177,179 @@ reserve_short_path_name_s::~reserve_short_path_name_s() {
     }
     delete[] long_name;
     delete[] temp_name;
+}
+
+// ---- opening files
+
+namespace {
+
+struct mode_s {
+    const char* mode;
+    os::DWORD disposition;
+    os::DWORD access;
+    int stream_flag;
+};
+
+const mode_s modes[] = {
+    {"r", os::OPEN_EXISTING, os::GENERIC_READ, os::O_RDONLY_FLAG},
+    {"r+", os::OPEN_ALWAYS, os::GENERIC_READ | os::GENERIC_WRITE, os::O_RDWR_FLAG},
+    {"w", os::CREATE_ALWAYS, os::GENERIC_WRITE, os::O_WRONLY_FLAG},
+    {"w+", os::CREATE_ALWAYS, os::GENERIC_READ | os::GENERIC_WRITE, os::O_RDWR_FLAG},
+    {"a", os::OPEN_ALWAYS, os::FILE_APPEND_DATA, os::O_WRONLY_FLAG},
+    {"a+", os::OPEN_ALWAYS, os::GENERIC_READ | os::FILE_APPEND_DATA, os::O_RDWR_FLAG},
+};
+
+// Whether opens ask for the right to read security audit data. Nothing in the library turns
+// this on.
+bool system_security_access = false;
+
+const char* error_text(utl_stream_c& out, os::DWORD error) {
+    return utl_n::format_last_error(out, error);
+}
+
+os::HANDLE open_with(const os::wide_char* wide, os::DWORD access, os::DWORD share,
+                     os::DWORD disposition, os::DWORD attributes, void* transaction) {
+    if (transaction)
+        return txf_wrapper_c::CreateFileTransacted(wide, access, share, nullptr, disposition,
+                                                   attributes, nullptr, transaction, nullptr,
+                                                   nullptr);
+    return os::CreateFileW(wide, access, share, nullptr, disposition, attributes, nullptr);
+}
+
+} // namespace
+
+os::HANDLE qv_create_file(const char* path, os::DWORD access, os::DWORD disposition,
+                          void* transaction, bool share, unsigned flags) {
+    QVTR_SCOPE(tr, "qv_create_file", source);
+    os::DWORD attributes = os::FILE_ATTRIBUTE_NORMAL | os::FILE_FLAG_BACKUP_SEMANTICS;
+    if (flags & 0x1) {
+        attributes |= os::FILE_FLAG_NO_BUFFERING;
+        tr.print(QVTR_SUCCESS, __LINE__, "NO BUFFERING file: %s\n", path);
+    }
+    if (flags & 0x2) {
+        attributes |= os::FILE_FLAG_SEQUENTIAL_SCAN;
+        tr.print(QVTR_INFO, __LINE__, "SEQUENTIAL SCAN file: %s\n", path);
+    }
+    if (flags & 0x8) {
+        attributes |= os::FILE_FLAG_WRITE_THROUGH;
+        tr.print(QVTR_INFO, __LINE__, "WRITE THROUGH file: %s\n", path);
+    }
+    if (flags & 0x20) {
+        attributes |= os::FILE_FLAG_OVERLAPPED;
+        tr.print(QVTR_INFO, __LINE__, "OVERLAPPED file: %s\n", path);
+    }
+    // Opening a link opens the link, not its target.
+    attributes |= os::FILE_FLAG_OPEN_REPARSE_POINT;
+    os::DWORD sharing = !share ? 0
+                        : (flags & 0x100)
+                            ? os::FILE_SHARE_READ
+                            : os::FILE_SHARE_READ | os::FILE_SHARE_WRITE | os::FILE_SHARE_DELETE;
+
+    os::wide_char wide[path_n::path_buffer_size];
+    path_n::path_to_wide_char_path(path, wide, true);
+    reserve_short_path_name_s reservation(path, disposition, transaction);
+    strip_qv_volume_suffix_wide(wide);
+
+    os::HANDLE handle = open_with(wide, access, sharing, disposition, attributes, transaction);
+    if (handle != os::INVALID_HANDLE_VALUE) return handle;
+
+    os::DWORD error = os::GetLastError();
+    utl_stream_c why;
+    tr.print(QVTR_INFO, __LINE__, "Failed to open %s, %s\n", path, error_text(why, error));
+    if (error == os::ERROR_ACCESS_DENIED && disposition == os::CREATE_ALWAYS) {
+        // Replacing a hidden or system file succeeds only with the same bits asked for.
+        os::DWORD present = 0;
+        if (transaction) {
+            struct {
+                os::DWORD attributes;
+                unsigned char rest[32];
+            } data{};
+            present = txf_wrapper_c::GetFileAttributesTransacted(wide, os::GetFileExInfoStandard,
+                                                                 &data, transaction);
+        } else {
+            present = os::GetFileAttributesW(wide);
+        }
+        if (present == os::INVALID_FILE_ATTRIBUTES) {
+            tr.print(QVTR_INFO, __LINE__, "Failed to get attr %s, %d\n", path,
+                     static_cast<int>(os::GetLastError()));
+            return os::INVALID_HANDLE_VALUE;
+        }
+        attributes |= present & (os::FILE_ATTRIBUTE_HIDDEN | os::FILE_ATTRIBUTE_SYSTEM);
+        handle = open_with(wide, access, sharing, disposition, attributes, transaction);
+        if (handle == os::INVALID_HANDLE_VALUE) {
+            os::DWORD again = os::GetLastError();
+            tr.print(QVTR_DETAIL, __LINE__, "Failed to open (2nd) %s, %d\n", path,
+                     static_cast<int>(again));
+            utl_n::set_last_error(again);
+        }
+        return handle;
+    }
+    utl_n::set_last_error(error);
+    return os::INVALID_HANDLE_VALUE;
+}
+
+file_handle_s* qv_fopen(const char* path, const char* mode, void* transaction, unsigned flags) {
+    QVTR_SCOPE(tr, "qv_fopen", source);
+    if (!mode || !path) return nullptr;
+    if (std::strcmp(path, "qv_stdout") == 0) {
+        auto* record = new file_handle_s;
+        record->stream = stdout;
+        return record;
+    }
+    const mode_s* chosen = nullptr;
+    for (const mode_s& candidate : modes)
+        if (std::strcmp(candidate.mode, mode) == 0) chosen = &candidate;
+    if (!chosen) return nullptr;
+
+    os::DWORD access = chosen->access;
+    if (flags & 0x4) access |= os::WRITE_DAC | os::WRITE_OWNER;
+    bool without_security =
+        settings_n::bool_or(settings_n::open_file_without_system_security,
+                            settings_n::open_file_without_system_security_default);
+    if (!without_security && system_security_access) access |= os::ACCESS_SYSTEM_SECURITY;
+    os::DWORD disposition = (flags & 0x40) ? os::OPEN_EXISTING : chosen->disposition;
+    bool share = !(flags & 0x80);
+
+    os::HANDLE handle = qv_create_file(path, access, disposition, transaction, share, flags);
+    if (handle == os::INVALID_HANDLE_VALUE) {
+        os::DWORD error = os::GetLastError();
+        utl_stream_c why;
+        tr.print(QVTR_INFO, __LINE__, "open with ACCESS_SYSTEM_SECURITY failed, err %d, %s\n",
+                 static_cast<int>(error), error_text(why, error));
+        if (!system_security_access ||
+            (error != os::ERROR_PRIVILEGE_NOT_HELD && error != os::ERROR_ACCESS_DENIED))
+            return nullptr;
+        tr.print(QVTR_SUCCESS, __LINE__,
+                 "unable to creat_file by enable ACCESS_SYSTEM_SECURITY%s\n", path);
+        handle = qv_create_file(path, access & ~os::ACCESS_SYSTEM_SECURITY, disposition,
+                                transaction, share, flags);
+        if (handle == os::INVALID_HANDLE_VALUE) {
+            os::DWORD again = os::GetLastError();
+            tr.print(QVTR_DETAIL, __LINE__,
+                     "unable to creat_file by disable ACCESS_SYSTEM_SECURITY %s,%d\n", path,
+                     static_cast<int>(again));
+            utl_n::set_last_error(again);
+            return nullptr;
+        }
+    }
+
+    std::FILE* stream = nullptr;
+    if (!(flags & 0x20) && !(flags & 0x200)) {
+        int fd = os::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), chosen->stream_flag);
+        if (fd < 0) {
+            os::CloseHandle(handle);
+            return nullptr;
+        }
+        stream = os::_fdopen(fd, mode);
+        if (!stream) {
+            // The descriptor owns the handle now: closing it closes both.
+            os::_close(fd);
+            return nullptr;
+        }
+    }
+    auto* record = new file_handle_s;
+    record->flags = flags;
+    record->handle = stream ? nullptr : handle;
+    record->stream = stream;
+    return record;
 }

@@ -285,6 +285,14 @@ int _open_osfhandle(std::intptr_t handle, int flags);
 std::intptr_t _get_osfhandle(int fd);
 std::FILE* _fdopen(int fd, const char* mode);
 int _fileno(std::FILE* stream);
+int _close(int fd);
+// 64-bit positions of C streams.
+int fseek64(std::FILE* stream, std::int64_t position);
+std::int64_t ftell64(std::FILE* stream);
+// The C runtime's flags of _open_osfhandle.
+inline constexpr int O_RDONLY_FLAG = 0;
+inline constexpr int O_WRONLY_FLAG = 1;
+inline constexpr int O_RDWR_FLAG = 2;
 
 // ---- transacted calls, resolved at run time where the system has them
 namespace txf {

@@ -1,5 +1,8 @@
 #include "stats_mng/load_order.h"
 
+#include "files/basic_file.h"
+#include "files/fs_info.h"
+#include "files/sys_info.h"
 #include "support/thl.h"
 
 #include <mutex>
@@ -26,6 +29,11 @@ void drop_spare_rw_lock() {
 
 // Kept by hand, in the order of the numbers; steps of layers not built yet are absent.
 const load_order_n::step_s table[] = {
+    {1, "the process-wide open-handle counter", start_open_handle_counter,
+     stop_open_handle_counter},
+    {2, "the critical section around the drive list", file_system_info_n::start_drive_list_lock,
+     file_system_info_n::stop_drive_list_lock},
+    {3, "the sys_info_c instance", start_sys_info, nullptr},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},
