@@ -5,6 +5,7 @@
 #include "utl/multi_lang.h"
 
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -34,6 +35,8 @@ template <typename Number> rendered_s render(const char* format, Number value) {
 rendered_s render_double(double value, std::size_t limit) {
     rendered_s out;
     int n;
+    // glibc prints the sign of a NaN and MinGW's runtime does not: one text on both.
+    if (std::isnan(value)) value = std::fabs(value);
     if (value > -2147483647.0 && value < 2147483647.0) {
         n = std::snprintf(out.text, limit, "%.4lf", value);
         out.length = n < 0 ? 0 : std::strlen(out.text);
@@ -125,8 +128,14 @@ void utl_stream_c::_add_memory(std::uint64_t extra) {
 
 utl_stream_c& utl_stream_c::_append_bytes(const char* bytes, std::uint64_t count) {
     if (count == 0) return *this;
+    // Text taken from this stream's own block must be found again after the block moves.
+    const auto at = reinterpret_cast<std::uintptr_t>(bytes);
+    const auto start = reinterpret_cast<std::uintptr_t>(_text);
+    const bool inside = _text && at >= start && at <= start + _length;
+    const std::uint64_t offset = inside ? static_cast<std::uint64_t>(bytes - _text) : 0;
     _add_memory(count);
     if (!_text) return *this;
+    if (inside) bytes = _text + offset;
     std::memcpy(_text + _length, bytes, static_cast<std::size_t>(count));
     _length += count;
     _text[_length] = 0;
@@ -262,7 +271,8 @@ bool utl_stream_c::remove_suffix(short value) {
     rendered_s r = render("%d", static_cast<int>(value));
     return _remove_suffix_bytes(r.text, r.length);
 }
-bool utl_stream_c::remove_suffix(char value) { return _remove_suffix_bytes(&value, 1); }
+// "%c" of the character 0 is an empty text.
+bool utl_stream_c::remove_suffix(char value) { return _remove_suffix_bytes(&value, value ? 1 : 0); }
 bool utl_stream_c::remove_suffix(const utl_stream_c& other) {
     std::string copy(other.c_str(), static_cast<std::size_t>(other._text ? other._length : 0));
     return _remove_suffix_bytes(copy.data(), copy.size());

@@ -87,7 +87,8 @@ void value_c::set_text(const char* text) {
         _text = new char[need];
         _capacity = need;
     }
-    std::memcpy(_text, text, need);
+    // The text may be a part of this value's own buffer.
+    std::memmove(_text, text, need);
 }
 
 value_c::~value_c() { delete[] _text; }
@@ -233,11 +234,21 @@ labeled_value_c::labeled_value_c(const char* label, const char* text)
     : value_c(text), _label(copy_label(label)) {}
 labeled_value_c::labeled_value_c(const char* label, bool value)
     : value_c(value), _label(copy_label(label)) {}
+labeled_value_c::labeled_value_c(const char* label, char value)
+    : value_c(value), _label(copy_label(label)) {}
+labeled_value_c::labeled_value_c(const char* label, short value)
+    : value_c(value), _label(copy_label(label)) {}
 labeled_value_c::labeled_value_c(const char* label, int value)
+    : value_c(value), _label(copy_label(label)) {}
+labeled_value_c::labeled_value_c(const char* label, long value)
     : value_c(value), _label(copy_label(label)) {}
 labeled_value_c::labeled_value_c(const char* label, long long value)
     : value_c(value), _label(copy_label(label)) {}
+labeled_value_c::labeled_value_c(const char* label, unsigned short value)
+    : value_c(value), _label(copy_label(label)) {}
 labeled_value_c::labeled_value_c(const char* label, unsigned int value)
+    : value_c(value), _label(copy_label(label)) {}
+labeled_value_c::labeled_value_c(const char* label, unsigned long value)
     : value_c(value), _label(copy_label(label)) {}
 labeled_value_c::labeled_value_c(const char* label, unsigned long long value)
     : value_c(value), _label(copy_label(label)) {}

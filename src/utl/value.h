@@ -83,9 +83,14 @@ class labeled_value_c : public value_c {
     explicit labeled_value_c(const char* label);
     labeled_value_c(const char* label, const char* text);
     labeled_value_c(const char* label, bool value);
+    labeled_value_c(const char* label, char value);
+    labeled_value_c(const char* label, short value);
     labeled_value_c(const char* label, int value);
+    labeled_value_c(const char* label, long value);
     labeled_value_c(const char* label, long long value);
+    labeled_value_c(const char* label, unsigned short value);
     labeled_value_c(const char* label, unsigned int value);
+    labeled_value_c(const char* label, unsigned long value);
     labeled_value_c(const char* label, unsigned long long value);
     labeled_value_c(const labeled_value_c& other);
     labeled_value_c& operator=(const labeled_value_c& other);

@@ -297,3 +297,199 @@ TEST_F(os_files_test, waccess_for_writing_a_read_only_file_is_minus_one_with_eac
     EXPECT_EQ(os::_waccess(wide(file).c_str(), 0), 0);
     fs::permissions(test_support::from_utf8(file), fs::perms::owner_write, fs::perm_options::add);
 }
+
+// ---- MoveFileExW
+
+TEST_F(os_files_test, move_file_ex_renames_a_file) {
+    std::string target = dir.join("moved.txt");
+    ASSERT_NE(os::MoveFileExW(wide(file).c_str(), wide(target).c_str(), 0), 0)
+        << "error " << os::GetLastError();
+    EXPECT_FALSE(fs::exists(test_support::from_utf8(file)));
+    EXPECT_EQ(read_file(target), "twelve bytes");
+}
+
+TEST_F(os_files_test, move_file_ex_with_write_through_renames_a_file) {
+    std::string target = dir.join("moved.txt");
+    ASSERT_NE(os::MoveFileExW(wide(file).c_str(), wide(target).c_str(), os::MOVEFILE_WRITE_THROUGH),
+              0)
+        << "error " << os::GetLastError();
+    EXPECT_FALSE(fs::exists(test_support::from_utf8(file)));
+    EXPECT_EQ(read_file(target), "twelve bytes");
+}
+
+TEST_F(os_files_test, move_file_ex_renames_a_directory) {
+    write_file(sub + "/inner.txt", "inner");
+    std::string target = dir.join("renamed");
+    ASSERT_NE(os::MoveFileExW(wide(sub).c_str(), wide(target).c_str(), 0), 0)
+        << "error " << os::GetLastError();
+    EXPECT_FALSE(fs::exists(test_support::from_utf8(sub)));
+    EXPECT_EQ(read_file(target + "/inner.txt"), "inner");
+}
+
+TEST_F(os_files_test, move_file_ex_onto_an_existing_file_without_replace_is_already_exists) {
+    std::string target = dir.join("target.txt");
+    write_file(target, "target");
+    for (os::DWORD flags : {os::DWORD{0}, os::MOVEFILE_WRITE_THROUGH}) {
+        SCOPED_TRACE(flags);
+        os::SetLastError(0);
+        EXPECT_EQ(os::MoveFileExW(wide(file).c_str(), wide(target).c_str(), flags), 0);
+        EXPECT_EQ(os::GetLastError(), os::ERROR_ALREADY_EXISTS);
+        EXPECT_EQ(read_file(file), "twelve bytes");
+        EXPECT_EQ(read_file(target), "target");
+    }
+}
+
+TEST_F(os_files_test, move_file_ex_with_replace_existing_replaces_the_target) {
+    std::string target = dir.join("target.txt");
+    write_file(target, "target");
+    ASSERT_NE(os::MoveFileExW(wide(file).c_str(), wide(target).c_str(),
+                              os::MOVEFILE_REPLACE_EXISTING | os::MOVEFILE_WRITE_THROUGH),
+              0)
+        << "error " << os::GetLastError();
+    EXPECT_FALSE(fs::exists(test_support::from_utf8(file)));
+    EXPECT_EQ(read_file(target), "twelve bytes");
+}
+
+TEST_F(os_files_test, move_file_ex_of_a_missing_file_is_file_not_found) {
+    std::string target = dir.join("target.txt");
+    os::SetLastError(0);
+    EXPECT_EQ(os::MoveFileExW(wide(dir.join("missing.txt")).c_str(), wide(target).c_str(), 0), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_FILE_NOT_FOUND);
+    EXPECT_FALSE(fs::exists(test_support::from_utf8(target)));
+}
+
+// ---- GetDiskFreeSpaceExW and GetDiskFreeSpaceW
+
+TEST_F(os_files_test, disk_free_space_ex_of_a_directory_gives_consistent_sizes) {
+    std::uint64_t free_to_caller = 0, total = 0, total_free = 0;
+    ASSERT_NE(os::GetDiskFreeSpaceExW(wide(sub).c_str(), &free_to_caller, &total, &total_free), 0)
+        << "error " << os::GetLastError();
+    EXPECT_GT(total, 0u);
+    EXPECT_LE(total_free, total);
+    EXPECT_LE(free_to_caller, total_free);
+    // Every output may be left out, and a trailing separator changes nothing.
+    std::uint64_t total_again = 0;
+    EXPECT_NE(os::GetDiskFreeSpaceExW(wide(sub + "/").c_str(), nullptr, &total_again, nullptr), 0);
+    EXPECT_EQ(total_again, total);
+    EXPECT_NE(os::GetDiskFreeSpaceExW(wide(sub).c_str(), nullptr, nullptr, nullptr), 0);
+}
+
+TEST_F(os_files_test, disk_free_space_ex_of_a_missing_path_fails_as_windows_tells_it) {
+    std::uint64_t total = 0;
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceExW(wide(dir.join("missing")).c_str(), nullptr, &total, nullptr),
+              0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_FILE_NOT_FOUND);
+    os::SetLastError(0);
+    EXPECT_EQ(
+        os::GetDiskFreeSpaceExW(wide(dir.join("missing/deeper")).c_str(), nullptr, &total, nullptr),
+        0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_PATH_NOT_FOUND);
+}
+
+TEST_F(os_files_test, disk_free_space_ex_of_a_file_is_error_directory) {
+    std::uint64_t total = 0;
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceExW(wide(file).c_str(), nullptr, &total, nullptr), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_DIRECTORY);
+}
+
+TEST_F(os_files_test, disk_free_space_of_a_directory_gives_plausible_geometry) {
+    os::DWORD sectors_per_cluster = 0, bytes_per_sector = 0, free_clusters = 0, total_clusters = 0;
+    ASSERT_NE(os::GetDiskFreeSpaceW(wide(sub).c_str(), &sectors_per_cluster, &bytes_per_sector,
+                                    &free_clusters, &total_clusters),
+              0)
+        << "error " << os::GetLastError();
+    EXPECT_GE(sectors_per_cluster, 1u);
+    EXPECT_GE(bytes_per_sector, 512u);
+    EXPECT_EQ(bytes_per_sector & (bytes_per_sector - 1), 0u) << bytes_per_sector;
+    EXPECT_GT(total_clusters, 0u);
+    EXPECT_LE(free_clusters, total_clusters);
+    os::DWORD sectors_again = 0;
+    EXPECT_NE(os::GetDiskFreeSpaceW(wide(sub).c_str(), &sectors_again, nullptr, nullptr, nullptr),
+              0);
+    EXPECT_EQ(sectors_again, sectors_per_cluster);
+}
+
+TEST_F(os_files_test, disk_free_space_of_a_missing_path_fails_as_windows_tells_it) {
+    os::DWORD sectors_per_cluster = 0, bytes_per_sector = 0, free_clusters = 0, total_clusters = 0;
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceW(wide(dir.join("missing")).c_str(), &sectors_per_cluster,
+                                    &bytes_per_sector, &free_clusters, &total_clusters),
+              0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_FILE_NOT_FOUND);
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceW(wide(dir.join("missing/deeper")).c_str(), &sectors_per_cluster,
+                                    &bytes_per_sector, &free_clusters, &total_clusters),
+              0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_PATH_NOT_FOUND);
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceW(wide(file).c_str(), &sectors_per_cluster, &bytes_per_sector,
+                                    &free_clusters, &total_clusters),
+              0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_DIRECTORY);
+}
+
+TEST_F(os_files_test, disk_free_space_of_an_empty_name_is_path_not_found) {
+    std::uint64_t total = 0;
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceExW(u"", nullptr, &total, nullptr), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_PATH_NOT_FOUND);
+    os::DWORD sectors_per_cluster = 0;
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetDiskFreeSpaceW(u"", &sectors_per_cluster, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_PATH_NOT_FOUND);
+}
+
+// ---- GetVolumeNameForVolumeMountPointW
+
+TEST_F(os_files_test, volume_name_needs_a_trailing_backslash) {
+    std::vector<os::wide_char> volume(64, u'#');
+    for (const std::string& name : {sub, sub + "/", std::string("C:")}) {
+        SCOPED_TRACE(name);
+        // The name as given, with '/' kept where it stands.
+        std::u16string mount_point(name.begin(), name.end());
+        os::SetLastError(0);
+        EXPECT_EQ(os::GetVolumeNameForVolumeMountPointW(mount_point.c_str(), volume.data(), 64), 0);
+        EXPECT_EQ(os::GetLastError(), os::ERROR_INVALID_NAME);
+    }
+}
+
+TEST_F(os_files_test, volume_name_of_a_directory_that_is_no_mount_point_fails) {
+    std::vector<os::wide_char> volume(64, u'#');
+    std::u16string mount_point = with_backslashes(wide(sub)) + u"\\";
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetVolumeNameForVolumeMountPointW(mount_point.c_str(), volume.data(), 64), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_NOT_A_REPARSE_POINT);
+    EXPECT_EQ(volume[0], u'#');
+}
+
+TEST_F(os_files_test, volume_name_of_the_root_does_not_fit_a_small_buffer) {
+    std::u16string root = on_windows() ? u"C:\\" : u"\\";
+    std::vector<os::wide_char> volume(64, u'#');
+    ASSERT_NE(os::GetVolumeNameForVolumeMountPointW(root.c_str(), volume.data(), 64), 0)
+        << "error " << os::GetLastError();
+    std::size_t length = std::u16string(volume.data()).size();
+    ASSERT_GT(length, 1u);
+    std::vector<os::wide_char> small(64, u'#');
+    os::SetLastError(0);
+    EXPECT_EQ(os::GetVolumeNameForVolumeMountPointW(root.c_str(), small.data(), 1), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_FILENAME_EXCED_RANGE);
+}
+
+// ---- ZwQueryInformationFile
+
+TEST_F(os_files_test, zw_query_information_file_without_compression_information_is_negative) {
+    if (on_windows() && !on_wine())
+        GTEST_SKIP() << "Windows has the compression information of a file";
+    // The POSIX build has no such information, and Wine 8 answers the same: a negative status,
+    // STATUS_NOT_IMPLEMENTED, whatever the width of long.
+    os::HANDLE h = open(file, os::GENERIC_READ, os::OPEN_EXISTING);
+    ASSERT_NE(h, os::INVALID_HANDLE_VALUE) << "error " << os::GetLastError();
+    unsigned char buffer[16] = {};
+    os::IO_STATUS_BLOCK status{};
+    long result = os::ZwQueryInformationFile(h, &status, buffer, sizeof buffer, 28);
+    EXPECT_LT(result, 0);
+    EXPECT_EQ(static_cast<std::uint32_t>(result), 0xC0000002u);
+    EXPECT_NE(os::CloseHandle(h), 0);
+}

@@ -532,4 +532,107 @@ TEST(WcsIcmp, NonAsciiLettersAreNotFolded) {
     EXPECT_EQ(os::_wcsicmp(u"\u0416", u"\u0416"), 0);
 }
 
+// ---- FormatMessageW and LocalFree (the texts differ between systems: only their form is tested)
+
+constexpr os::DWORD system_message_flags = os::FORMAT_MESSAGE_ALLOCATE_BUFFER |
+                                           os::FORMAT_MESSAGE_IGNORE_INSERTS |
+                                           os::FORMAT_MESSAGE_FROM_SYSTEM;
+
+std::u16string allocated_message(os::DWORD code, os::DWORD* returned = nullptr) {
+    wide_char* block = nullptr;
+    os::DWORD n = os::FormatMessageW(system_message_flags, nullptr, code, 0,
+                                     reinterpret_cast<wide_char*>(&block), 0, nullptr);
+    if (returned) *returned = n;
+    std::u16string text = block ? std::u16string(block) : std::u16string();
+    if (block) {
+        EXPECT_EQ(os::LocalFree(block), nullptr);
+    }
+    return text;
+}
+
+TEST(FormatMessageW, FileNotFoundHasATextInAnAllocatedBlock) {
+    os::DWORD n = 0;
+    std::u16string text = allocated_message(os::ERROR_FILE_NOT_FOUND, &n);
+    EXPECT_GT(n, 0u);
+    EXPECT_FALSE(text.empty());
+    // The length counts the units before the terminator.
+    EXPECT_EQ(text.size(), n);
+}
+
+TEST(FormatMessageW, DifferentCodesHaveDifferentTexts) {
+    std::u16string not_found = allocated_message(os::ERROR_FILE_NOT_FOUND);
+    std::u16string denied = allocated_message(os::ERROR_ACCESS_DENIED);
+    ASSERT_FALSE(not_found.empty());
+    ASSERT_FALSE(denied.empty());
+    EXPECT_NE(not_found, denied);
+}
+
+TEST(FormatMessageW, CallersBufferGetsTheSameText) {
+    std::u16string allocated = allocated_message(os::ERROR_FILE_NOT_FOUND);
+    std::vector<wide_char> buffer(512, u'#');
+    os::DWORD n =
+        os::FormatMessageW(os::FORMAT_MESSAGE_IGNORE_INSERTS | os::FORMAT_MESSAGE_FROM_SYSTEM,
+                           nullptr, os::ERROR_FILE_NOT_FOUND, 0, buffer.data(), 512, nullptr);
+    ASSERT_GT(n, 0u);
+    EXPECT_EQ(buffer[n], 0);
+    EXPECT_EQ(std::u16string(buffer.data(), n), allocated);
+}
+
+TEST(FormatMessageW, UnknownCodeHasNoTextAndSaysSo) {
+    wide_char* block = nullptr;
+    os::SetLastError(0);
+    EXPECT_EQ(os::FormatMessageW(system_message_flags, nullptr, 0x2000ABCDu, 0,
+                                 reinterpret_cast<wide_char*>(&block), 0, nullptr),
+              0u);
+    EXPECT_EQ(block, nullptr);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_MR_MID_NOT_FOUND);
+}
+
+TEST(LocalFree, NullIsAccepted) { EXPECT_EQ(os::LocalFree(nullptr), nullptr); }
+
+// ---- _stricmp and _strnicmp
+
+TEST(Stricmp, AsciiLettersCompareWithoutCase) {
+    EXPECT_EQ(os::_stricmp("True", "TRUE"), 0);
+    EXPECT_EQ(os::_stricmp("abcxyz", "ABCXYZ"), 0);
+    EXPECT_EQ(os::_stricmp("", ""), 0);
+}
+
+TEST(Stricmp, OrderIsThatOfLowerCase) {
+    EXPECT_LT(os::_stricmp("abc", "ABD"), 0);
+    EXPECT_GT(os::_stricmp("ABD", "abc"), 0);
+    // '_' (0x5F) lies between 'Z' and 'a': the lower-case form decides.
+    EXPECT_LT(os::_stricmp("_", "A"), 0);
+    EXPECT_GT(os::_stricmp("A", "_"), 0);
+    EXPECT_LT(os::_stricmp("ab", "AB_"), 0);
+}
+
+TEST(Stricmp, OnlyAsciiLettersAreFolded) {
+    // '[' and '{' are 0x20 apart, as 'A' and 'a' are, but are no letters.
+    EXPECT_NE(os::_stricmp("[", "{"), 0);
+    EXPECT_NE(os::_stricmp("@", "`"), 0);
+    // Latin-1 and UTF-8 capitals stay what they are.
+    EXPECT_LT(os::_stricmp("\xC4", "\xE4"), 0);
+    EXPECT_NE(os::_stricmp("\xC3\x84", "\xC3\xA4"), 0);
+}
+
+TEST(Strnicmp, ComparesAtMostCountCharacters) {
+    EXPECT_EQ(os::_strnicmp("abcX", "ABCy", 3), 0);
+    EXPECT_NE(os::_strnicmp("abcX", "ABCy", 4), 0);
+    EXPECT_EQ(os::_strnicmp("anything", "different", 0), 0);
+    EXPECT_EQ(os::_strnicmp("Short", "SHORT", 100), 0);
+}
+
+TEST(Strnicmp, ShorterTextIsSmallerWithinTheCount) {
+    EXPECT_LT(os::_strnicmp("ab", "ABC", 3), 0);
+    EXPECT_GT(os::_strnicmp("ABC", "ab", 3), 0);
+    EXPECT_EQ(os::_strnicmp("ab", "ABC", 2), 0);
+}
+
+TEST(Strnicmp, OnlyAsciiLettersAreFolded) {
+    EXPECT_NE(os::_strnicmp("x[", "X{", 2), 0);
+    EXPECT_NE(os::_strnicmp("\xC4x", "\xE4x", 2), 0);
+    EXPECT_LT(os::_strnicmp("_", "a", 1), 0);
+}
+
 } // namespace
