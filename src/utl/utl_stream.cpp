@@ -5,6 +5,7 @@
 #include "utl/multi_lang.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -24,10 +25,12 @@ struct rendered_s {
     std::size_t length;
 };
 
-template <typename Number> rendered_s render(const char* format, Number value) {
+// Integers in decimal, the text of "%d", "%u", "%ld" and their kin.
+template <typename Integer> rendered_s render_number(Integer value) {
     rendered_s out;
-    int n = std::snprintf(out.text, sizeof out.text, format, value);
-    out.length = n < 0 ? 0 : static_cast<std::size_t>(n);
+    auto result = std::to_chars(out.text, out.text + sizeof out.text - 1, value);
+    out.length = static_cast<std::size_t>(result.ptr - out.text);
+    *result.ptr = 0;
     return out;
 }
 
@@ -128,6 +131,13 @@ void utl_stream_c::_add_memory(std::uint64_t extra) {
 
 utl_stream_c& utl_stream_c::_append_bytes(const char* bytes, std::uint64_t count) {
     if (count == 0) return *this;
+    if (_text && _length + count + 1 <= _capacity) {
+        // Room enough: the block stays where it is, and so does any text taken from it.
+        std::memcpy(_text + _length, bytes, static_cast<std::size_t>(count));
+        _length += count;
+        _text[_length] = 0;
+        return *this;
+    }
     // Text taken from this stream's own block must be found again after the block moves.
     const auto at = reinterpret_cast<std::uintptr_t>(bytes);
     const auto start = reinterpret_cast<std::uintptr_t>(_text);
@@ -143,11 +153,11 @@ utl_stream_c& utl_stream_c::_append_bytes(const char* bytes, std::uint64_t count
 }
 
 utl_stream_c& utl_stream_c::append(unsigned long long value) {
-    rendered_s r = render("%llu", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(long long value) {
-    rendered_s r = render("%lld", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(bool value) {
@@ -159,27 +169,27 @@ utl_stream_c& utl_stream_c::append(double value) {
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(unsigned long value) {
-    rendered_s r = render("%lu", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(unsigned int value) {
-    rendered_s r = render("%u", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(unsigned short value) {
-    rendered_s r = render("%u", static_cast<unsigned int>(value));
+    rendered_s r = render_number(static_cast<unsigned int>(value));
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(long value) {
-    rendered_s r = render("%ld", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(int value) {
-    rendered_s r = render("%d", value);
+    rendered_s r = render_number(value);
     return _append_bytes(r.text, r.length);
 }
 utl_stream_c& utl_stream_c::append(short value) {
-    rendered_s r = render("%d", static_cast<int>(value));
+    rendered_s r = render_number(static_cast<int>(value));
     return _append_bytes(r.text, r.length);
 }
 
@@ -232,11 +242,11 @@ bool utl_stream_c::_remove_suffix_bytes(const char* bytes, std::uint64_t count) 
 }
 
 bool utl_stream_c::remove_suffix(unsigned long long value) {
-    rendered_s r = render("%llu", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(long long value) {
-    rendered_s r = render("%lld", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(bool value) {
@@ -248,27 +258,27 @@ bool utl_stream_c::remove_suffix(double value) {
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(unsigned long value) {
-    rendered_s r = render("%lu", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(unsigned int value) {
-    rendered_s r = render("%u", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(unsigned short value) {
-    rendered_s r = render("%u", static_cast<unsigned int>(value));
+    rendered_s r = render_number(static_cast<unsigned int>(value));
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(long value) {
-    rendered_s r = render("%ld", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(int value) {
-    rendered_s r = render("%d", value);
+    rendered_s r = render_number(value);
     return _remove_suffix_bytes(r.text, r.length);
 }
 bool utl_stream_c::remove_suffix(short value) {
-    rendered_s r = render("%d", static_cast<int>(value));
+    rendered_s r = render_number(static_cast<int>(value));
     return _remove_suffix_bytes(r.text, r.length);
 }
 // "%c" of the character 0 is an empty text.
