@@ -28,5 +28,7 @@ class sys_info_c : public sys_info_data_c {
 
 // The one instance, or null when it could not be made.
 sys_info_c* the_sys_info();
-// Start-up step: makes the instance, which lives as long as the process.
+// Start-up step: makes the instance, which lives as long as the library; tear-down frees it, so
+// that a process that loads and unloads the library many times loses nothing.
 void start_sys_info();
+void stop_sys_info();

@@ -33,7 +33,7 @@ const load_order_n::step_s table[] = {
      stop_open_handle_counter},
     {2, "the critical section around the drive list", file_system_info_n::start_drive_list_lock,
      file_system_info_n::stop_drive_list_lock},
-    {3, "the sys_info_c instance", start_sys_info, nullptr},
+    {3, "the sys_info_c instance", start_sys_info, stop_sys_info},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},
