@@ -3,6 +3,7 @@
 
 #include "files/file.h"
 #include "files/file_manipulation.h"
+#include "stats_mng/stats_saver.h"
 #include "support/trc.h"
 
 #include <cstdint>
@@ -27,8 +28,19 @@ extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
         return false;
     }
-    // The state lock is not part of this build yet: no holder can be seen.
-    return false;
+    // The state directory is made even by this query. The reader open alone tells an unusable
+    // lock file from a held one; then a writer open fails exactly when the engine holds the lock.
+    stats_saver_lock_c locker(path);
+    locker.init();
+    if (!file_manipulation_n::if_exists(locker.lock_file_path.c_str(), nullptr)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Locker does not exist now.");
+        return false;
+    }
+    if (!locker.lock(false)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Locker can't acquire the read lock.");
+        return false;
+    }
+    return !locker.lock(true);
 }
 
 extern "C" bool is_sync_replicated(const char* scenario_path) {

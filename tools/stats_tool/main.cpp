@@ -2,7 +2,10 @@
 // does and asks its exports.
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
+#include "files/file_manipulation.h"
 #include "platform/os.h"
+#include "stats_mng/stats_saver.h"
+#include "support/thl.h"
 
 #include <cstdio>
 #include <cstring>
@@ -20,6 +23,10 @@ const char* const usage_text =
     "\n"
     "commands:\n"
     "  state DIR [--json]   ask the three scenario queries about the scenario directory DIR\n"
+    "  hold-lock DIR [--release-file FILE]\n"
+    "                       take the engine's lock on the scenario DIR as the engine does and\n"
+    "                       hold it until standard input closes (or a line \"stop\" comes), or\n"
+    "                       until FILE exists\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -27,7 +34,8 @@ const char* const usage_text =
     "                       beside this program, then ../lib, then the system's search)\n"
     "  --trace DIR          write the library's trace to DIR/stats_mng.dll.log\n"
     "\n"
-    "exit status: 0 a state was read, 1 no state could be read, 2 error\n";
+    "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
+    "released, 1 the lock is held by another; 2 error\n";
 
 const char* const state_words[] = {"Running", "Stop", "Sync", "Unknown"};
 
@@ -122,6 +130,27 @@ int run_state(const library_s& library, const std::string& directory, bool json)
     return read ? exit_yes : exit_no;
 }
 
+// Takes the writer lock as the engine does and keeps it until told to let go.
+int run_hold_lock(const std::string& directory, const std::string& release_file) {
+    stats_saver_lock_c locker(directory.c_str());
+    locker.init();
+    if (!locker.lock(true)) {
+        std::printf("cannot take the engine's lock on %s: another process holds it\n",
+                    directory.c_str());
+        return exit_no;
+    }
+    std::printf("holding the engine's lock on %s\n", directory.c_str());
+    std::fflush(stdout);
+    if (!release_file.empty()) {
+        while (!file_manipulation_n::if_exists(release_file.c_str(), nullptr)) mix_n::sleep(10);
+    } else {
+        char line[64];
+        while (std::fgets(line, sizeof line, stdin) && std::strncmp(line, "stop", 4) != 0) {
+        }
+    }
+    return exit_yes;
+}
+
 int usage_error(const char* message) {
     std::fprintf(stderr, "stats_tool: %s\n\n%s", message, usage_text);
     return exit_error;
@@ -150,6 +179,19 @@ int main(int argc, char** argv) {
     if (rest.empty()) return usage_error("no command given");
 
     const std::string& command = rest[0];
+    if (command == "hold-lock") {
+        std::string directory, release_file;
+        for (std::size_t i = 1; i < rest.size(); ++i) {
+            if (rest[i] == "--release-file" && i + 1 < rest.size())
+                release_file = rest[++i];
+            else if (directory.empty())
+                directory = rest[i];
+            else
+                return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
+        }
+        if (directory.empty()) return usage_error("hold-lock needs a scenario directory");
+        return run_hold_lock(directory, release_file);
+    }
     if (command != "state") return usage_error(("unknown command '" + command + "'").c_str());
     bool json = false;
     std::string directory;
