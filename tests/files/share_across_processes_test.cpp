@@ -1,5 +1,6 @@
 // The sharing rules of the engine's lock file between two processes: a second process holds the
 // file as the engine would, and this one opens it as a query or another engine would.
+#include "common/child_process.h"
 #include "common/test_support.h"
 #include "files/file_modif.h"
 #include "platform/os.h"
@@ -22,38 +23,23 @@ class holder_c {
   public:
     holder_c(const temp_dir_c& dir, const std::string& path, const std::string& mode,
              unsigned flags)
-        : _output(dir.join("holder.out")), _release(dir.join("holder.release")) {
-#if defined(_WIN32)
-        std::string program = test_support::bin_dir() + "/file_holder.exe";
-#else
-        std::string program = test_support::bin_dir() + "/file_holder";
-#endif
-        _child = os::start_process({program, path, mode, std::to_string(flags), _release}, _output);
-    }
-    ~holder_c() { os::release_process(_child); }
-    holder_c(const holder_c&) = delete;
-    holder_c& operator=(const holder_c&) = delete;
+        : _release(dir.join("holder.release")),
+          _process({test_support::program_path("file_holder"), path, mode, std::to_string(flags),
+                    _release},
+                   dir.join("holder.out")) {}
 
     // Waits for the holder's word: true for "held".
-    bool held() {
-        for (int waited = 0; waited < 30000; waited += 10) {
-            std::string said = test_support::read_file(_output);
-            if (said.rfind("held", 0) == 0) return true;
-            if (said.rfind("failed", 0) == 0 || os::wait_process(_child, 0) != -1) return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    }
+    bool held() { return _process.says("held", "failed"); }
     int release() {
         test_support::write_file(_release, "");
-        return os::wait_process(_child, 30000);
+        return _process.wait(30000);
     }
-    void kill() { os::kill_process(_child); }
-    bool started() const { return _child != nullptr; }
+    void kill() { _process.kill(); }
+    bool started() const { return _process.started(); }
 
   private:
-    std::string _output, _release;
-    os::child_process_s* _child = nullptr;
+    std::string _release;
+    test_support::child_process_c _process;
 };
 
 class share_across_processes : public ::testing::Test {
