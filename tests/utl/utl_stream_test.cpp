@@ -224,7 +224,8 @@ TEST(UtlStreamGrowth, AssignmentReplacesTheText) {
     a = b;
     EXPECT_STREQ(a.c_str(), "second");
     EXPECT_EQ(a.get_length(), 6u);
-    a = a;
+    utl_stream_c& same = a;
+    a = same;
     EXPECT_STREQ(a.c_str(), "second");
 }
 
