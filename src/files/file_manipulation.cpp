@@ -104,14 +104,16 @@ bool file_manipulation_n::create_directory(const char* path, bool is_file_name) 
     QVTR_SCOPE(tr, "file_manipulation_n::create_directory", source);
     tr.print(QVTR_VERBOSE, __LINE__, "Create directory %s, is_file_name %s, full_access %s\n", path,
              is_file_name ? "true" : "false", "false");
-    char buffer[path_n::path_buffer_size] = {};
+    // One byte beyond a path buffer, so that the closing '/' fits even after the longest path:
+    // without it the last element of such a path would not be made, and the answer be true.
+    char buffer[path_n::path_buffer_size + 1] = {};
     path_n::standard_dir_path(path, buffer, true);
     std::size_t length = std::strlen(buffer);
     if (is_file_name) {
         char* last = std::strrchr(buffer, '/');
         if (!last) return true; // a bare file name needs no directory
         last[1] = 0;
-    } else if (length && buffer[length - 1] != '/' && length < path_n::longest_path) {
+    } else if (length && buffer[length - 1] != '/') {
         buffer[length] = '/';
         buffer[length + 1] = 0;
     }
@@ -171,7 +173,11 @@ bool file_manipulation_n::remove_path(const char* path, void* transaction,
         file_name_and_prop_data_s entry;
         std::vector<char> child(path_n::path_buffer_size);
         while (content.get_next_file(entry)) {
-            std::snprintf(child.data(), child.size(), "%s/%s", path, entry.name.c_str());
+            int length =
+                std::snprintf(child.data(), child.size(), "%s/%s", path, entry.name.c_str());
+            // A name that makes the path too long can't be named, so it can't be removed; a cut
+            // path would name something else, even the directory itself.
+            if (length < 0 || static_cast<std::size_t>(length) >= child.size()) return false;
             if (!remove_path(child.data(), transaction, callback)) return false;
         }
         if (content.had_error) return false;
@@ -230,14 +236,19 @@ bool dir_content_c::init(const char* path) {
     reset();
     if (!path) return false;
     std::vector<os::wide_char> pattern = wide_of(path);
+    // Room for the separator and the star after the longest path: without it the pattern of such
+    // a directory would be its own name with a star, and find the directory itself.
+    pattern.resize(path_n::path_buffer_size + 2, 0);
     std::size_t n = 0;
     while (pattern[n]) ++n;
     bool had_backslash = n && pattern[n - 1] == u'\\';
-    if (!had_backslash && n + 2 < pattern.size()) pattern[n++] = u'\\';
-    if (n + 1 < pattern.size()) {
-        pattern[n++] = u'*';
-        pattern[n] = 0;
-    }
+    // The conversion drops a trailing separator of anything but a root; the caller's own ending
+    // decides whether the directory path needs one.
+    std::size_t given = std::strlen(path);
+    bool caller_ended_in_separator = given && (path[given - 1] == '/' || path[given - 1] == '\\');
+    if (!had_backslash) pattern[n++] = u'\\';
+    pattern[n++] = u'*';
+    pattern[n] = 0;
     os::WIN32_FIND_DATAW found{};
     if (transaction) {
         find_handle = txf_wrapper_c::FindFirstFileTransacted(
@@ -256,7 +267,7 @@ bool dir_content_c::init(const char* path) {
         return os::GetLastError() == os::ERROR_NO_MORE_FILES;
     }
     dir_path.append(path);
-    if (!had_backslash) dir_path.append("/");
+    if (!had_backslash && !caller_ended_in_separator) dir_path.append("/");
     if (!_if_dots_dirs(found.cFileName)) {
         auto* entry = new file_name_and_prop_data_s;
         _fill_new_entry(found, *entry, true);

@@ -23,9 +23,10 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
         return false;
     }
     if (!basic_file_c::open(new_path, mode, transaction, open_flags)) return false;
+    // The cluster size of the drive, or 512 where its sector size can't be found.
     unsigned cluster = 0;
     unsigned sector = file_manipulation_n::bytes_per_sector(new_path, &cluster);
-    cluster_size = sector ? sector : default_sector;
+    cluster_size = sector ? cluster : default_sector;
     return true;
 }
 

@@ -184,13 +184,23 @@ bool file_prop_access_c::_load_common(os::HANDLE handle, const char* path) {
     return true;
 }
 
+namespace {
+// The volume file whose size this thread is asking for. basic_file_c::size asks this loader, which
+// asks the file's size: a second request for the same file fails instead of going round forever.
+thread_local const basic_file_c* volume_being_sized = nullptr;
+} // namespace
+
 bool file_prop_access_c::load_file_properties_from_disk(basic_file_c& file) {
     reset();
     os::HANDLE handle = file._get_file_handle();
     if (handle == nullptr || handle == os::INVALID_HANDLE_VALUE) return false;
     if (file.path.ends_with(path_n::volume_pseudo_file, true)) {
-        prop.mode.qv_mode |= file_mode_n::device;
+        if (volume_being_sized == &file) return false;
+        const basic_file_c* outer = volume_being_sized;
+        volume_being_sized = &file;
         std::int64_t size = file.size();
+        volume_being_sized = outer;
+        prop.mode.qv_mode |= file_mode_n::device;
         prop.size = prop.stored_size = static_cast<std::uint64_t>(size < 0 ? 0 : size);
         prop.is_valid = 1;
     } else if (!_load_common(handle, file.path.c_str())) {

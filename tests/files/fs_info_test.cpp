@@ -4,13 +4,18 @@
 #include "files/fs_info.h"
 
 #include "common/test_support.h"
+#include "files/basic_file.h"
 #include "files/file.h"
 #include "platform/os.h"
+#include "stats_mng/load_order.h"
+#include "support/thl.h"
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -247,6 +252,331 @@ TEST(GetVolumeNameForVolumeMountPoint, MissingDirectoryGivesZeroAndLeavesOut) {
     EXPECT_EQ(got.out, untouched);
     if (!on_windows()) {
         EXPECT_EQ(got.error, os::ERROR_FILE_NOT_FOUND);
+    }
+}
+
+} // namespace
+
+// ---- the drive list: drive_info_c, drive_file_system_code, drive_supports_compression
+
+namespace {
+
+using file_system_info_n::drive_info_c;
+using file_system_info_n::fs_fat;
+using file_system_info_n::fs_ntfs;
+using file_system_info_n::fs_other;
+using file_system_info_n::fs_unknown;
+using test_support::trace_capture_c;
+using test_support::trace_line;
+
+// The family that the platform's own answers give for a drive root: the flags and the name of
+// GetVolumeInformationW, the name compared without regard to case.
+std::uint32_t platform_code_of(const std::string& root) {
+    std::u16string wide(root.begin(), root.end());
+    os::wide_char name[257] = {};
+    os::DWORD flags = 0;
+    if (!os::GetVolumeInformationW(wide.c_str(), nullptr, 0, nullptr, nullptr, &flags, name, 257))
+        return fs_unknown;
+    if (!(flags & os::FILE_UNICODE_ON_DISK)) return fs_other;
+    std::string text;
+    for (const os::wide_char* c = name; *c; ++c)
+        text += static_cast<char>(std::tolower(static_cast<unsigned char>(*c)));
+    if (text == "fat" || text == "fat32" || text == "exfat") return fs_fat;
+    if (text == "ntfs") return fs_ntfs;
+    if (text == "refs") return file_system_info_n::fs_refs;
+    return fs_other;
+}
+
+os::DWORD platform_flags_of(const std::string& root) {
+    std::u16string wide(root.begin(), root.end());
+    os::DWORD flags = 0;
+    os::GetVolumeInformationW(wide.c_str(), nullptr, 0, nullptr, nullptr, &flags, nullptr, 0);
+    return flags;
+}
+
+std::size_t count_of_items(const ptr_list_c& list) {
+    std::size_t n = 0;
+    for (const void* item = list.first(); item; item = list.next(item)) ++n;
+    return n;
+}
+
+[[maybe_unused]] bool has_level(const std::string& line, unsigned level) {
+    return line.find(" level=" + std::to_string(level) + " ") != std::string::npos;
+}
+
+// A drive list made as its owner makes it, empty, installed for the lifetime of the fixture and
+// taken away (with its items) after it.
+class DriveList : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        if (!open_handle_counter()) load_order_n::start_all();
+        file_system_info_n::set_drive_list(nullptr);
+        list = new ptr_list_c(false);
+    }
+    void TearDown() override {
+        file_system_info_n::set_drive_list(nullptr);
+        for (const void* item = list->first(); item; item = list->next(item))
+            delete static_cast<const drive_info_c*>(item);
+        delete list;
+        EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+    }
+    void install() { file_system_info_n::set_drive_list(list); }
+    // A drive put into the list by hand, with a chosen code and flags.
+    void add(const char* root, std::uint32_t code, std::uint32_t flags = 0) {
+        auto* drive = new drive_info_c;
+        drive->drive_name = new char[std::strlen(root) + 1];
+        std::strcpy(drive->drive_name, root);
+        drive->fs_code = code;
+        drive->fs_flags = flags;
+        drive->drive_type = os::DRIVE_FIXED;
+        list->append(drive);
+    }
+
+    ptr_list_c* list = nullptr;
+    temp_dir_c dir;
+};
+
+TEST_F(DriveList, WithoutListTheCodeIs45AndNoDriveCompresses) {
+    std::string root = dir.str().substr(0, 3);
+    for (const std::string& path :
+         {dir.str(), root, std::string("C:/dir/file.txt"), std::string(R"(\\server\share\x)"),
+          std::string("/"), std::string("")}) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(file_system_info_n::drive_file_system_code(path.c_str()), fs_unknown);
+        EXPECT_FALSE(file_system_info_n::drive_supports_compression(path.c_str()));
+    }
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(nullptr), fs_unknown);
+    EXPECT_FALSE(file_system_info_n::drive_supports_compression(nullptr));
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+}
+
+TEST_F(DriveList, EmptyListSharesNoCode) {
+    install();
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+}
+
+TEST_F(DriveList, InstalledListLearnsTheDriveOfTheTemporaryDirectory) {
+    install();
+    std::uint32_t code = file_system_info_n::drive_file_system_code(dir.str().c_str());
+    char root[path_n::path_buffer_size] = {};
+    if (!path_n::drive_name_from_path(dir.str().c_str(), root)) {
+        // On Linux an absolute path has no drive: nothing is learnt.
+        EXPECT_EQ(code, fs_unknown);
+        EXPECT_FALSE(file_system_info_n::drive_supports_compression(dir.str().c_str()));
+        EXPECT_EQ(count_of_items(*list), 0u);
+        EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+        return;
+    }
+    EXPECT_EQ(code, platform_code_of(root));
+    ASSERT_EQ(count_of_items(*list), 1u);
+    const auto* drive = static_cast<const drive_info_c*>(list->first());
+    EXPECT_STREQ(drive->drive_name, root);
+    EXPECT_EQ(drive->fs_code, code);
+    EXPECT_EQ(file_system_info_n::common_fs_code(), code);
+    // Known now: a second question adds nothing, for this or another path on the drive.
+    EXPECT_EQ(file_system_info_n::drive_file_system_code((dir.str() + "/f.txt").c_str()), code);
+    EXPECT_EQ(file_system_info_n::drive_supports_compression(dir.str().c_str()),
+              (platform_flags_of(root) & os::FILE_FILE_COMPRESSION) != 0);
+    EXPECT_EQ(count_of_items(*list), 1u);
+}
+
+TEST_F(DriveList, WhenAllKnownDrivesAreNtfsAnUnseenFatDriveIsAnswered78) {
+    add("X:\\", fs_ntfs);
+    add("Y:\\", fs_ntfs);
+    install();
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_ntfs);
+    // Drive F: is a FAT drive nobody has looked at; it isn't looked at now either.
+    EXPECT_EQ(file_system_info_n::drive_file_system_code("F:/dir/file.txt"), fs_ntfs);
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(dir.str().c_str()), fs_ntfs);
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(nullptr), fs_ntfs);
+    EXPECT_EQ(count_of_items(*list), 2u);
+}
+
+TEST_F(DriveList, DrivesThatDifferShareNoCodeAndAreFoundByName) {
+    add("X:\\", fs_ntfs);
+    add("Y:\\", fs_fat);
+    install();
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+    EXPECT_EQ(file_system_info_n::drive_file_system_code("X:/a/b"), fs_ntfs);
+    EXPECT_EQ(file_system_info_n::drive_file_system_code("x:\\a"), fs_ntfs);
+    EXPECT_EQ(file_system_info_n::drive_file_system_code("y:/file.txt"), fs_fat);
+    EXPECT_EQ(count_of_items(*list), 2u);
+}
+
+TEST_F(DriveList, CompressionIsLookedUpPerDriveEvenWhenAllAgree) {
+    add("X:\\", fs_ntfs, os::FILE_FILE_COMPRESSION);
+    add("Y:\\", fs_ntfs, 0);
+    install();
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_ntfs);
+    EXPECT_TRUE(file_system_info_n::drive_supports_compression("X:/a"));
+    EXPECT_TRUE(file_system_info_n::drive_supports_compression("x:/b"));
+    EXPECT_FALSE(file_system_info_n::drive_supports_compression("Y:/a"));
+    EXPECT_FALSE(file_system_info_n::drive_supports_compression("Q:/a")) << "no such drive";
+    EXPECT_FALSE(file_system_info_n::drive_supports_compression("relative/path"));
+    EXPECT_EQ(count_of_items(*list), 2u);
+}
+
+TEST_F(DriveList, DriveWithoutRootIsAskedAgainEachTimeAndNotKept) {
+    add("X:\\", fs_ntfs);
+    add("Y:\\", fs_fat);
+    install();
+    // No drive Q: is mapped here, and on Linux "Q:\" names nothing: no root.
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(file_system_info_n::drive_file_system_code("Q:/a"), fs_unknown);
+        EXPECT_EQ(count_of_items(*list), 2u);
+    }
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+}
+
+TEST_F(DriveList, BadPathsAreUnknownAndNotKept) {
+    install();
+    std::string long_path = "Q:/" + std::string(4092, 'd');
+    for (const std::string& path : {std::string(""), std::string("x"), long_path,
+                                    std::string("\\\\\xFF\\share\\x"), std::string("\xFF:/x")}) {
+        SCOPED_TRACE(path.size());
+        EXPECT_EQ(file_system_info_n::drive_file_system_code(path.c_str()), fs_unknown);
+        EXPECT_FALSE(file_system_info_n::drive_supports_compression(path.c_str()));
+    }
+    EXPECT_EQ(count_of_items(*list), 0u);
+    EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
+}
+
+TEST_F(DriveList, CdromDriveIsNotKept) {
+    GTEST_SKIP() << "no CD-ROM drive exists on the systems that run these tests";
+}
+
+TEST_F(DriveList, NetworkDriveGetsACodeButNoVolumeOrDeviceName) {
+    GTEST_SKIP() << "no network drive exists on the systems that run these tests";
+}
+
+TEST(DriveInfo, NewItemKnowsNothing) {
+    drive_info_c drive;
+    EXPECT_EQ(drive.drive_name, nullptr);
+    EXPECT_EQ(drive.volume_name, nullptr);
+    EXPECT_EQ(drive.device_name, nullptr);
+    EXPECT_EQ(drive.fs_code, fs_unknown);
+    EXPECT_EQ(drive.fs_flags, 0u);
+    EXPECT_EQ(drive.bytes_per_sector, 0u);
+    EXPECT_EQ(drive.drive_type, 0u);
+}
+
+TEST(DriveInfo, InitOfADriveWithoutRootIsFalse) {
+    drive_info_c drive;
+    EXPECT_FALSE(drive.init("Q:\\"));
+    EXPECT_EQ(drive.drive_type, os::DRIVE_NO_ROOT_DIR);
+    EXPECT_EQ(drive.drive_name, nullptr);
+    EXPECT_EQ(drive.fs_code, fs_unknown);
+    EXPECT_EQ(drive.bytes_per_sector, 0u);
+}
+
+TEST(DriveInfo, InitOfTheRootOfThisSystem) {
+    temp_dir_c dir;
+#if defined(_WIN32)
+    std::string root = dir.str().substr(0, 3);
+#else
+    std::string root = "/";
+#endif
+    std::u16string wide(root.begin(), root.end());
+    unsigned type = os::GetDriveTypeW(wide.c_str());
+    ASSERT_GE(type, os::DRIVE_FIXED);
+    ASSERT_NE(type, os::DRIVE_CDROM);
+    trace_capture_c capture;
+    drive_info_c drive;
+    ASSERT_TRUE(drive.init(root.c_str()));
+    EXPECT_STREQ(drive.drive_name, root.c_str());
+    EXPECT_EQ(drive.drive_type, type);
+    EXPECT_EQ(drive.fs_code, platform_code_of(root));
+    EXPECT_EQ(drive.fs_flags, platform_flags_of(root));
+    os::DWORD sectors_per_cluster = 0, sector = 0, free_clusters = 0, total = 0;
+    ASSERT_TRUE(
+        os::GetDiskFreeSpaceW(wide.c_str(), &sectors_per_cluster, &sector, &free_clusters, &total));
+    EXPECT_EQ(drive.bytes_per_sector, sector);
+    if (type != os::DRIVE_FIXED) {
+        EXPECT_EQ(drive.volume_name, nullptr);
+        EXPECT_EQ(drive.device_name, nullptr);
+        return;
+    }
+    std::string text = capture.text();
+#if defined(_WIN32)
+    ASSERT_NE(drive.volume_name, nullptr) << text;
+    EXPECT_EQ(std::string(drive.volume_name).rfind(R"(\\?\Volume{)", 0), 0u) << drive.volume_name;
+    ASSERT_NE(drive.device_name, nullptr) << text;
+    EXPECT_GT(std::strlen(drive.device_name), 0u);
+#else
+    // The mount point's name doesn't end in a backslash, and no DOS device names exist here.
+    EXPECT_EQ(drive.volume_name, nullptr);
+    EXPECT_EQ(drive.device_name, nullptr);
+    std::string guid = trace_line(text, "Unable to get Volume GUID for / (123)");
+    ASSERT_FALSE(guid.empty()) << text;
+    EXPECT_TRUE(has_level(guid, 4)) << guid;
+    std::string device = trace_line(text, "Unable to QueryDosDevice for drive /");
+    ASSERT_FALSE(device.empty()) << text;
+    EXPECT_TRUE(has_level(device, 4)) << device;
+#endif
+}
+
+TEST(DriveInfo, ClearForgetsEverything) {
+    temp_dir_c dir;
+#if defined(_WIN32)
+    std::string root = dir.str().substr(0, 3);
+#else
+    std::string root = "/";
+#endif
+    drive_info_c drive;
+    ASSERT_TRUE(drive.init(root.c_str()));
+    drive.clear();
+    EXPECT_EQ(drive.drive_name, nullptr);
+    EXPECT_EQ(drive.volume_name, nullptr);
+    EXPECT_EQ(drive.device_name, nullptr);
+    EXPECT_EQ(drive.fs_code, fs_unknown);
+    EXPECT_EQ(drive.fs_flags, 0u);
+    EXPECT_EQ(drive.bytes_per_sector, 0u);
+    EXPECT_EQ(drive.drive_type, 0u);
+    // A second init after a first one starts clean.
+    ASSERT_TRUE(drive.init(root.c_str()));
+    ASSERT_TRUE(drive.init(root.c_str()));
+    EXPECT_STREQ(drive.drive_name, root.c_str());
+}
+
+TEST(SystemNameTables, FileAliases) {
+    EXPECT_STREQ(file_system_info_n::system_file_aliases[0].alias, "Win32_Pagefile");
+    EXPECT_STREQ(file_system_info_n::system_file_aliases[0].file, "pagefile.sys");
+    EXPECT_STREQ(file_system_info_n::system_file_aliases[1].alias, "Win32_Hiberfil");
+    EXPECT_STREQ(file_system_info_n::system_file_aliases[1].file, "hiberfil.sys");
+}
+
+TEST(SystemNameTables, DirectoriesByOperatingSystem) {
+    struct row_s {
+        std::uint32_t low, high;
+        const char* first;
+        const char* second;
+        std::uint32_t number;
+    };
+    const row_s rows[] = {
+        {1, 17, "System Volume Information", nullptr, 0},
+        {1000, 1100, "System Volume Information", nullptr, 0},
+        {1, 9, "RECYCLER", "RECYCLED", 10},
+        {12, 17, "$RECYCLE.BIN", nullptr, 10},
+        {18, 36, "dev", nullptr, 0},
+        {18, 36, "sys", nullptr, 0},
+        {18, 36, "tmp", nullptr, 0},
+        {18, 36, "proc", nullptr, 0},
+        {1, 17, "Temporary Internet Files", nullptr, 0},
+        {1000, 1100, "Temporary Internet Files", nullptr, 0},
+    };
+    ASSERT_EQ(std::size(file_system_info_n::system_dir_table), std::size(rows));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        SCOPED_TRACE(i);
+        const auto& row = file_system_info_n::system_dir_table[i];
+        EXPECT_EQ(row.low_os, rows[i].low);
+        EXPECT_EQ(row.high_os, rows[i].high);
+        EXPECT_STREQ(row.names[0], rows[i].first);
+        if (rows[i].second) {
+            EXPECT_STREQ(row.names[1], rows[i].second);
+        } else {
+            EXPECT_EQ(row.names[1], nullptr);
+        }
+        EXPECT_EQ(row.number, rows[i].number);
     }
 }
 
