@@ -136,9 +136,10 @@ bool basic_file_c::open(const char* new_path, const char* mode, void* transactio
 
 bool basic_file_c::mknod() { return true; }
 
-std::int64_t basic_file_c::read(void* buffer, std::int64_t count) {
+// A short transfer hands the record's error to the object; an error makes the result -1.
+std::int64_t basic_file_c::_transfer(void* buffer, std::int64_t count, bool writing) {
     if (!file) return -1;
-    std::int64_t moved = low_level_transfer(*file, buffer, count, false);
+    std::int64_t moved = low_level_transfer(*file, buffer, count, writing);
     if (moved < count) {
         error = file->last_error;
         if (error) {
@@ -149,17 +150,12 @@ std::int64_t basic_file_c::read(void* buffer, std::int64_t count) {
     return moved;
 }
 
+std::int64_t basic_file_c::read(void* buffer, std::int64_t count) {
+    return _transfer(buffer, count, false);
+}
+
 std::int64_t basic_file_c::write(const void* buffer, std::int64_t count) {
-    if (!file) return -1;
-    std::int64_t moved = low_level_transfer(*file, const_cast<void*>(buffer), count, true);
-    if (moved < count) {
-        error = file->last_error;
-        if (error) {
-            file->last_error = 0;
-            return -1;
-        }
-    }
-    return moved;
+    return _transfer(const_cast<void*>(buffer), count, true);
 }
 
 namespace {

@@ -118,4 +118,7 @@ class basic_file_c {
     utl_stream_c path;
     // The open record; null while closed.
     file_handle_s* file = nullptr;
+
+  private:
+    std::int64_t _transfer(void* buffer, std::int64_t count, bool writing);
 };

@@ -49,14 +49,9 @@ std::uint64_t join_halves(os::DWORD high, os::DWORD low) {
     return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
+// A link's target in UTF-8 with forward slashes, cut at the longest path.
 std::string utf8_of(const std::u16string& wide) {
-    int size = 0;
-    if (wide.empty() || !multi_lang_str_n::unicode_to_utf8_untraced(wide.c_str(), nullptr, size) ||
-        size <= 0)
-        return {};
-    std::string text(static_cast<std::size_t>(size), '\0');
-    multi_lang_str_n::unicode_to_utf8_untraced(wide.c_str(), text.data(), size);
-    text.resize(static_cast<std::size_t>(size - 1));
+    std::string text = multi_lang_str_n::to_utf8_string(wide.c_str());
     if (text.size() > path_n::longest_path) text.resize(path_n::longest_path);
     std::replace(text.begin(), text.end(), '\\', '/');
     return text;

@@ -60,24 +60,6 @@ char* copy_text(const char* text) {
     return copy;
 }
 
-std::string utf8_text(const os::wide_char* wide) {
-    int size = 0;
-    if (!multi_lang_str_n::unicode_to_utf8(wide, nullptr, size) || size <= 0) return {};
-    std::string text(static_cast<std::size_t>(size), '\0');
-    if (!multi_lang_str_n::unicode_to_utf8(wide, text.data(), size)) return {};
-    text.resize(static_cast<std::size_t>(size - 1));
-    return text;
-}
-
-std::u16string wide_text(const char* text) {
-    int size = 0;
-    if (!multi_lang_str_n::utf8_to_unicode(text, nullptr, size) || size <= 0) return {};
-    std::u16string wide(static_cast<std::size_t>(size), u'\0');
-    if (!multi_lang_str_n::utf8_to_unicode(text, wide.data(), size)) return {};
-    wide.resize(static_cast<std::size_t>(size - 1));
-    return wide;
-}
-
 std::uint32_t code_of_name(const os::wide_char* name) {
     struct family_s {
         const char16_t* name;
@@ -142,7 +124,7 @@ void drive_info_c::clear() {
 bool drive_info_c::init(const char* path) {
     QVTR_SCOPE(tr, "file_system_info_n::drive_info_c::init", source);
     clear();
-    std::u16string wide = wide_text(path);
+    std::u16string wide = multi_lang_str_n::to_utf16_string(path);
     drive_type = os::GetDriveTypeW(wide.c_str());
     if (drive_type < os::DRIVE_FIXED || drive_type == os::DRIVE_CDROM) return false;
     drive_name = copy_text(path);
@@ -170,7 +152,7 @@ bool drive_info_c::init(const char* path) {
     if (drive_type == os::DRIVE_FIXED) {
         os::wide_char volume[257] = {};
         if (os::GetVolumeNameForVolumeMountPointW(wide.c_str(), volume, 257))
-            volume_name = copy_text(utf8_text(volume).c_str());
+            volume_name = copy_text(multi_lang_str_n::to_utf8_string(volume).c_str());
         else
             tr.print(QVTR_FAILURE, __LINE__, "Unable to get Volume GUID for %s (%d)\n", path,
                      static_cast<int>(os::GetLastError()));
@@ -181,7 +163,7 @@ bool drive_info_c::init(const char* path) {
         if (n == 0 || target[0] == 0)
             tr.print(QVTR_FAILURE, __LINE__, "Unable to QueryDosDevice for drive %s\n", path);
         else
-            device_name = copy_text(utf8_text(target.c_str()).c_str());
+            device_name = copy_text(multi_lang_str_n::to_utf8_string(target.c_str()).c_str());
     }
     return true;
 }

@@ -30,16 +30,6 @@ os::wide_char lower(os::wide_char c) {
     return text[0];
 }
 
-std::string utf8_of(const os::wide_char* wide) {
-    int size = 0;
-    if (!wide || !multi_lang_str_n::unicode_to_utf8_untraced(wide, nullptr, size) || size <= 0)
-        return {};
-    std::string text(static_cast<std::size_t>(size), '\0');
-    if (!multi_lang_str_n::unicode_to_utf8_untraced(wide, text.data(), size)) return {};
-    text.resize(static_cast<std::size_t>(size - 1));
-    return text;
-}
-
 void copy_wide(os::wide_char* dst, const std::u16string& src, std::size_t room) {
     std::size_t n = std::min(src.size(), room - 1);
     std::copy_n(src.data(), n, dst);
@@ -99,7 +89,7 @@ int strip_qv_volume_suffix_wide(os::wide_char* path) {
     if (wide.size() < suffix.size() ||
         wide.compare(wide.size() - suffix.size(), suffix.size(), suffix) != 0)
         return 0;
-    utl_stream_c narrow(utf8_of(path).c_str());
+    utl_stream_c narrow(multi_lang_str_n::to_utf8_string(path).c_str());
     int result = strip_qv_volume_suffix(narrow);
     int size = static_cast<int>(path_n::path_buffer_size);
     std::u16string back(path_n::path_buffer_size, u'\0');
@@ -161,7 +151,8 @@ reserve_short_path_name_s::reserve_short_path_name_s(const char* path, os::DWORD
         if (error == os::ERROR_ALREADY_EXISTS) continue;
         utl_stream_c why;
         tr.print(QVTR_FAILURE, __LINE__, "unable rename '%s' to tmp name '%s', %s\n",
-                 utf8_of(long_name).c_str(), utf8_of(temp_name).c_str(),
+                 multi_lang_str_n::to_utf8_string(long_name).c_str(),
+                 multi_lang_str_n::to_utf8_string(temp_name).c_str(),
                  utl_n::format_last_error(why, error));
         return;
     }
@@ -172,7 +163,8 @@ reserve_short_path_name_s::~reserve_short_path_name_s() {
     if (is_renamed && !move_file(temp_name, long_name, transaction)) {
         utl_stream_c why;
         tr.print(QVTR_FAILURE, __LINE__, "unable restore filename from '%s' to '%s', %s\n",
-                 utf8_of(temp_name).c_str(), utf8_of(long_name).c_str(),
+                 multi_lang_str_n::to_utf8_string(temp_name).c_str(),
+                 multi_lang_str_n::to_utf8_string(long_name).c_str(),
                  utl_n::format_last_error(why, os::GetLastError()));
     }
     delete[] long_name;

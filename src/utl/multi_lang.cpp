@@ -128,6 +128,24 @@ bool utf8_to_unicode_untraced(const char* narrow, wide_char* wide, int& size) {
     return to_unicode(narrow, wide, size, failure);
 }
 
+std::string to_utf8_string(const wide_char* wide) {
+    int size = 0;
+    if (!wide || !unicode_to_utf8_untraced(wide, nullptr, size) || size <= 1) return {};
+    std::string text(static_cast<std::size_t>(size), '\0');
+    if (!unicode_to_utf8_untraced(wide, text.data(), size)) return {};
+    text.resize(static_cast<std::size_t>(size - 1));
+    return text;
+}
+
+std::u16string to_utf16_string(const char* narrow) {
+    int size = 0;
+    if (!narrow || !utf8_to_unicode_untraced(narrow, nullptr, size) || size <= 1) return {};
+    std::u16string wide(static_cast<std::size_t>(size), u'\0');
+    if (!utf8_to_unicode_untraced(narrow, wide.data(), size)) return {};
+    wide.resize(static_cast<std::size_t>(size - 1));
+    return wide;
+}
+
 char* unicode_to_utf8_buffer(const wide_char* wide, char* buffer, int size) {
     if (!buffer || size <= 0) return nullptr;
     std::memset(buffer, 0, static_cast<std::size_t>(size));

@@ -4,6 +4,8 @@
 
 #include "platform/os.h"
 
+#include <string>
+
 namespace multi_lang_str_n {
 
 using wide_char = os::wide_char;
@@ -20,6 +22,10 @@ bool utf8_to_unicode(const char* narrow, wide_char* wide, int& size);
 int utf8lenhelper_untraced(const wide_char* wide);
 bool unicode_to_utf8_untraced(const wide_char* wide, char* narrow, int& size);
 bool utf8_to_unicode_untraced(const char* narrow, wide_char* wide, int& size);
+
+// The whole conversion as a string, without trace lines; empty for null or on failure.
+std::string to_utf8_string(const wide_char* wide);
+std::u16string to_utf16_string(const char* narrow);
 
 // Clear `buffer` (`size` units) and convert into it; the buffer, or null on failure.
 char* unicode_to_utf8_buffer(const wide_char* wide, char* buffer, int size);

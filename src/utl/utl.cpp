@@ -62,11 +62,7 @@ constexpr std::size_t size_classes[] = {16, 32, 64, 256, 1024};
 
 // The wide form of a narrow path with backslashes, for the volume calls.
 std::u16string wide_backslash_path(const char* path) {
-    int size = 0;
-    if (!multi_lang_str_n::utf8_to_unicode(path, nullptr, size) || size <= 0) return {};
-    std::u16string wide(static_cast<std::size_t>(size), u'\0');
-    if (!multi_lang_str_n::utf8_to_unicode(path, wide.data(), size)) return {};
-    wide.resize(static_cast<std::size_t>(size - 1));
+    std::u16string wide = multi_lang_str_n::to_utf16_string(path);
     std::replace(wide.begin(), wide.end(), u'/', u'\\');
     return wide;
 }

@@ -61,17 +61,6 @@ rendered_s render_bool(bool value) {
     return out;
 }
 
-std::string utf8_of(const os::wide_char* wide) {
-    int size = 0;
-    if (!wide || !wide[0] || !multi_lang_str_n::unicode_to_utf8_untraced(wide, nullptr, size) ||
-        size <= 1)
-        return {};
-    std::string text(static_cast<std::size_t>(size), '\0');
-    if (!multi_lang_str_n::unicode_to_utf8_untraced(wide, text.data(), size)) return {};
-    text.resize(static_cast<std::size_t>(size - 1));
-    return text;
-}
-
 } // namespace
 
 utl_stream_c::utl_stream_c() { _add_memory(0); }
@@ -211,7 +200,7 @@ utl_stream_c& utl_stream_c::append(const utl_stream_c& other) {
 }
 
 utl_stream_c& utl_stream_c::append(const os::wide_char* text) {
-    std::string utf8 = utf8_of(text);
+    std::string utf8 = multi_lang_str_n::to_utf8_string(text);
     return _append_bytes(utf8.data(), utf8.size());
 }
 
@@ -222,7 +211,9 @@ utl_stream_c& utl_stream_c::append(const char* text) {
 
 bool utl_stream_c::equals(const utl_stream_c& other) const { return equals(other.c_str()); }
 
-bool utl_stream_c::equals(const os::wide_char* text) const { return equals(utf8_of(text).c_str()); }
+bool utl_stream_c::equals(const os::wide_char* text) const {
+    return equals(multi_lang_str_n::to_utf8_string(text).c_str());
+}
 
 // An empty argument equals only an empty stream; otherwise the bytes must be the same.
 bool utl_stream_c::equals(const char* text) const {
@@ -288,7 +279,7 @@ bool utl_stream_c::remove_suffix(const utl_stream_c& other) {
     return _remove_suffix_bytes(copy.data(), copy.size());
 }
 bool utl_stream_c::remove_suffix(const os::wide_char* text) {
-    std::string utf8 = utf8_of(text);
+    std::string utf8 = multi_lang_str_n::to_utf8_string(text);
     return _remove_suffix_bytes(utf8.data(), utf8.size());
 }
 bool utl_stream_c::remove_suffix(const char* text) {
