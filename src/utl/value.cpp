@@ -93,6 +93,13 @@ void value_c::set_text(const char* text) {
 
 value_c::~value_c() { delete[] _text; }
 
+void value_c::set_string(const char* text) {
+    set_text(text ? text : "");
+    _number = 0;
+    _type = type_string;
+    _error = false;
+}
+
 void value_c::_set_signed(std::int64_t value) {
     set_text(print_signed(value).text);
     _number = value;

@@ -58,6 +58,13 @@ class value_c {
     // The text form equals `text` (null counts as empty), byte for byte.
     bool equals_text(const char* text);
 
+    // Whole-value setters, as an item changes an attribute in place: text, number and tag
+    // together, and the error flag cleared. The unsigned form tags by range.
+    void set_string(const char* text);
+    void set_signed(std::int64_t value) { _set_signed(value); }
+    void set_unsigned(std::uint64_t value) { _set_unsigned(value); }
+    void set_bool(bool value) { _set_bool(value); }
+
     type_t get_type() const { return _type; }
     bool get_error() const { return _error; }
     void clear_error() { _error = false; }

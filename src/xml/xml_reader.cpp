@@ -1,0 +1,381 @@
+#include "xml/xml_reader.h"
+
+#include "support/trc.h"
+#include "xml/xml_chars.h"
+#include "xml/xml_doc.h"
+#include "xml/xml_node.h"
+
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr const char* source = "xml_reader";
+
+bool is_line_end(unsigned char c) { return c == '\n' || c == '\r'; }
+
+// Removes white space at both ends of `text`, as the stream's trim does.
+void trim(std::string& text) {
+    std::size_t end = text.size();
+    while (end && xml_chars_n::is_space(text[end - 1])) --end;
+    std::size_t start = 0;
+    while (start < end && xml_chars_n::is_space(text[start])) ++start;
+    text.erase(end);
+    text.erase(0, start);
+}
+
+} // namespace
+
+// ---- xml_base_reader_c
+
+xml_base_reader_c::xml_base_reader_c()
+    : _buffer(new char[buffer_step]()), _buffer_size(buffer_step) {}
+
+xml_base_reader_c::~xml_base_reader_c() { delete[] _buffer; }
+
+unsigned char xml_base_reader_c::next_char() { return end_of_input; }
+
+void xml_base_reader_c::step_back() {}
+
+void xml_base_reader_c::reset() {
+    std::memset(_buffer, 0, static_cast<std::size_t>(_buffer_size));
+    _cursor = 0;
+    _drop_window();
+}
+
+bool xml_base_reader_c::_fill() { return false; }
+
+void xml_base_reader_c::_enlarge_buffer() {
+    std::uint64_t size = _buffer ? _buffer_size + buffer_step : buffer_step;
+    char* grown = new char[size]();
+    if (_buffer) std::memcpy(grown, _buffer, static_cast<std::size_t>(_buffer_size));
+    delete[] _buffer;
+    _buffer = grown;
+    _buffer_size = size;
+}
+
+// Every byte read is first checked against the buffer: at the last cell the buffer grows by
+// 512. The checks of a whole piece are made at once here, by the highest cursor any of them
+// sees, so that a long tag grows its buffer once per piece instead of once per 512 bytes.
+void xml_base_reader_c::_store_tag_bytes(const unsigned char* bytes, std::uint64_t count) {
+    std::uint64_t stored = 0;
+    for (std::uint64_t i = 0; i < count; ++i) stored += is_line_end(bytes[i]) ? 0 : 1;
+    std::uint64_t highest_check = _cursor + stored - (is_line_end(bytes[count - 1]) ? 0 : 1);
+    if (highest_check >= _buffer_size - 1) {
+        std::uint64_t size = (highest_check + 2 + buffer_step - 1) / buffer_step * buffer_step;
+        char* grown = new char[size]();
+        std::memcpy(grown, _buffer, static_cast<std::size_t>(_cursor));
+        delete[] _buffer;
+        _buffer = grown;
+        _buffer_size = size;
+    }
+    char* out = _buffer + _cursor;
+    for (std::uint64_t i = 0; i < count; ++i)
+        if (!is_line_end(bytes[i])) *out++ = static_cast<char>(bytes[i]);
+    _cursor = static_cast<std::uint64_t>(out - _buffer);
+}
+
+// Whatever stands before the `<` is skipped unseen. Line ends inside the tag vanish without a
+// trace, so they don't separate words; the tag ends at the first `>` wherever it stands.
+bool xml_base_reader_c::_read_tag() {
+    _cursor = 0;
+    _buffer[0] = 0;
+    for (;;) {
+        const unsigned char* p = _in;
+        while (p < _in_end && *p != '<' && *p != end_of_input) ++p;
+        _in = p;
+        if (p < _in_end) {
+            if (*p == end_of_input) {
+                _cut();
+                return false;
+            }
+            ++_in;
+            break;
+        }
+        if (_ended || !_fill()) {
+            _ended = true;
+            return false;
+        }
+    }
+    for (;;) {
+        const unsigned char* p = _in;
+        while (p < _in_end && *p != '>' && *p != end_of_input) ++p;
+        if (p > _in) _store_tag_bytes(_in, static_cast<std::uint64_t>(p - _in));
+        _in = p;
+        if (p < _in_end) {
+            if (*p == end_of_input) {
+                _cut();
+                return false;
+            }
+            ++_in;
+            break;
+        }
+        if (_ended || !_fill()) {
+            _ended = true;
+            return false;
+        }
+    }
+    _buffer[_cursor] = 0;
+    _cursor = 0;
+    return true;
+}
+
+void xml_base_reader_c::_skip_spaces() {
+    if (_cursor >= _buffer_size) return;
+    while (_buffer[_cursor] && xml_chars_n::is_space(_buffer[_cursor])) ++_cursor;
+}
+
+// "^M" as two printable characters ends the tag too: what follows them is ignored.
+bool xml_base_reader_c::_is_tag_end() {
+    _skip_spaces();
+    char c = _buffer[_cursor];
+    if (c == 0 || c == '\n' || (c == '^' && _buffer[_cursor + 1] == 'M')) {
+        _buffer[_cursor] = 0;
+        return true;
+    }
+    return false;
+}
+
+char* xml_base_reader_c::_get_word(char delimiter, bool skip_spaces, bool quoted) {
+    const bool stop_at_space = skip_spaces && !quoted;
+    if (skip_spaces) _skip_spaces();
+    if (_buffer[_cursor] == 0) return nullptr;
+    std::uint64_t begin = _cursor;
+    if (quoted) {
+        if (_buffer[_cursor] != delimiter) return nullptr;
+        ++begin;
+    }
+    std::uint64_t end = begin;
+    for (;; ++end) {
+        char c = _buffer[end];
+        if (c == delimiter) break;
+        if (stop_at_space && xml_chars_n::is_space(c)) return nullptr;
+        if (c == 0) return nullptr;
+    }
+    _cursor = end;
+    if (_buffer[_cursor] != 0) {
+        _buffer[_cursor] = 0;
+        ++_cursor;
+    }
+    return _buffer + begin;
+}
+
+bool xml_base_reader_c::read_declaration() {
+    if (!document || !_read_tag()) return false;
+    const char* word = _get_word(' ', false, false);
+    if (!word || std::strcmp(word, "?xml") != 0) return false;
+    for (;;) {
+        const char* name = _get_word('=', true, false);
+        if (!name) break;
+        if (std::strcmp(name, "version") == 0)
+            document->set_version(_get_word('"', true, true));
+        else if (std::strcmp(name, "encoding") == 0)
+            document->set_encoding(_get_word('"', true, true));
+        else if (std::strcmp(name, "standalone") == 0)
+            document->set_standalone(_get_word('"', true, true));
+        else
+            break;
+    }
+    if (!document->get_version()) return false;
+    _skip_spaces();
+    const char* rest = _get_word(0, true, false);
+    return rest && std::strcmp(rest, "?") == 0;
+}
+
+// Line feed, carriage return and tab are dropped; the byte 1 empties what was collected, as it
+// empties a stream.
+void xml_base_reader_c::_collect_text() {
+    _text.clear();
+    for (;;) {
+        const unsigned char* p = _in;
+        while (p < _in_end) {
+            unsigned char c = *p;
+            if (c == '<' || c == end_of_input) break;
+            ++p;
+            if (c == '\n' || c == '\r' || c == '\t') continue;
+            if (c == static_cast<unsigned char>(utl_stream_c::clear_char)) {
+                _text.clear();
+                continue;
+            }
+            _text.push_back(static_cast<char>(c));
+        }
+        _in = p;
+        if (p < _in_end) {
+            if (*p == end_of_input) _cut();
+            return;
+        }
+        if (_ended || !_fill()) {
+            _ended = true;
+            return;
+        }
+    }
+}
+
+bool xml_base_reader_c::_read_one(xml_node_c* parent, bool skip_text, xml_node_c*& opened) {
+    opened = nullptr;
+    if (_is_tag_end() && !_read_tag()) return false;
+    char* text = _buffer;
+
+    if (text[0] == '!' && text[1] == '-' && text[2] == '-') {
+        std::size_t length = std::strlen(text);
+        if (text[length - 2] != '-' || text[length - 1] != '-') return false;
+        _cursor = length;
+        return true;
+    }
+
+    if (text[0] == '/') {
+        _cursor = 1;
+        _skip_spaces();
+        const char* name = _get_word(0, true, false);
+        // A closing tag with nothing open is a broken document.
+        if (!name || !parent || !parent->name || std::strcmp(name, parent->name) != 0) return false;
+        parent->closed = true;
+        return true;
+    }
+
+    bool self_closed = false;
+    if (std::size_t length = std::strlen(text); length && text[length - 1] == '/') {
+        text[length - 1] = 0;
+        self_closed = true;
+    }
+    const char* name = _get_word(0, true, false);
+    if (!name) name = _get_word(' ', true, false);
+    if (!name) name = _get_word('\t', true, false);
+    if (!name || !xml_document_c::validate_xml_name(name)) return false;
+
+    auto* node = new xml_node_c(name);
+    if (!document->add_node(node, parent)) {
+        delete node;
+        return false;
+    }
+    while (!_is_tag_end()) {
+        const char* attr_name = _get_word('=', true, false);
+        if (!attr_name || !xml_document_c::validate_xml_name(attr_name)) return false;
+        const char* raw = _get_word('"', true, true);
+        if (!raw) return false;
+        const char* value = _translator.translate_from_xml(raw);
+        if (!value) return false;
+        node->add_attribute(attr_name, value);
+    }
+    if (!skip_text) {
+        _collect_text();
+        trim(_text);
+        if (!_text.empty()) {
+            node->closed = true;
+            const char* translated = _translator.translate_from_xml(_text.c_str());
+            if (!translated) return false;
+            node->type = xml_node_c::type_text;
+            node->text.append(translated);
+        }
+    }
+    if (self_closed) {
+        node->closed = true;
+        return true;
+    }
+    opened = node;
+    return true;
+}
+
+// The element stack is kept here instead of on the call stack, so that the depth of a document
+// costs heap, not stack. Each element on it reads tags until it is closed, and at least one.
+bool xml_base_reader_c::read_node(xml_node_c* parent, bool skip_text) {
+    if (!document) return false;
+    std::vector<xml_node_c*> open;
+    for (;;) {
+        xml_node_c* opened = nullptr;
+        if (!_read_one(open.empty() ? parent : open.back(), skip_text, opened)) return false;
+        if (opened) {
+            open.push_back(opened);
+            continue;
+        }
+        while (!open.empty() && open.back()->closed) open.pop_back();
+        if (open.empty()) return true;
+    }
+}
+
+// ---- xml_file_reader_c
+
+xml_file_reader_c::~xml_file_reader_c() {
+    xml_file_reader_c::reset();
+    delete[] _window;
+}
+
+unsigned char xml_file_reader_c::next_char() { return _take(); }
+
+void xml_file_reader_c::step_back() {
+    if (_in && _in > _window) --_in;
+}
+
+void xml_file_reader_c::reset() {
+    xml_base_reader_c::reset();
+    _file.close();
+}
+
+bool xml_file_reader_c::open_xml(const char* path) {
+    if (!path || !*path) return false;
+    QVTR_SCOPE(tr, "xml_file_reader_c::open_xml", source);
+    reset();
+    if (!_file.open(path, "r", nullptr, 18)) {
+        tr.print(4, __LINE__, "Can not open XML file %s (%s)\n", path, std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool xml_file_reader_c::_fill() {
+    if (!_file.is_open()) return false;
+    if (!_window) {
+        _window = new unsigned char[window_size + 1]();
+    } else if (_in_end > _window) {
+        _window[0] = _in_end[-1];
+    }
+    std::int64_t n = _file.read(_window + 1, static_cast<std::int64_t>(window_size));
+    if (n <= 0) return false;
+    _in = _window + 1;
+    _in_end = _in + n;
+    return true;
+}
+
+// ---- xml_stream_reader_c
+
+xml_stream_reader_c::xml_stream_reader_c(const char* text, std::uint64_t length) {
+    set_text(text, length);
+}
+
+xml_stream_reader_c::~xml_stream_reader_c() { xml_stream_reader_c::reset(); }
+
+void xml_stream_reader_c::set_text(const char* text, std::uint64_t length) {
+    reset();
+    if (!text) return;
+    _text = new char[length + 1];
+    std::memcpy(_text, text, static_cast<std::size_t>(length));
+    _text[length] = 0;
+    _length = length;
+    _in = reinterpret_cast<const unsigned char*>(_text);
+    _in_end = _in + length;
+}
+
+std::uint64_t xml_stream_reader_c::get_position() const {
+    return _text ? static_cast<std::uint64_t>(reinterpret_cast<const char*>(_in) - _text) : 0;
+}
+
+unsigned char xml_stream_reader_c::next_char() {
+    if (_length == 0 || get_position() == _length) return end_of_input;
+    return _take();
+}
+
+void xml_stream_reader_c::step_back() {
+    if (static_cast<std::int32_t>(get_position()) < 1) return;
+    --_in;
+}
+
+void xml_stream_reader_c::reset() {
+    xml_base_reader_c::reset();
+    delete[] _text;
+    _text = nullptr;
+    _length = 0;
+}
+
+// The whole text is one window, handed over by set_text.
+bool xml_stream_reader_c::_fill() { return false; }

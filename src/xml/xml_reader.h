@@ -1,0 +1,156 @@
+// The reader of the XML subset that xml_document_c writes: a pull parser over bytes, without
+// decoding, DTDs, namespaces, character references or CDATA. xml_base_reader_c is the tokeniser
+// and the grammar; xml_file_reader_c and xml_stream_reader_c are its two sources of bytes.
+//
+// A source hands the tokeniser whole windows of bytes, and the tokeniser scans them in place;
+// next_char and step_back give the same bytes one at a time. The byte 0xFF doubles as the end
+// mark: wherever it stands, the input ends there.
+#pragma once
+
+#include "files/file_modif.h"
+#include "xml/xml_translator.h"
+
+#include <cstdint>
+#include <string>
+
+class xml_document_c;
+class xml_node_c;
+
+class xml_base_reader_c {
+  public:
+    static constexpr unsigned char end_of_input = 255;
+    static constexpr std::uint64_t buffer_step = 512;
+
+    xml_base_reader_c();
+    xml_base_reader_c(const xml_base_reader_c&) = delete;
+    xml_base_reader_c& operator=(const xml_base_reader_c&) = delete;
+    virtual ~xml_base_reader_c();
+
+    // The next input byte, 255 at the end of the input.
+    virtual unsigned char next_char();
+    // Un-reads one byte.
+    virtual void step_back();
+    // Forgets the source and the current tag.
+    virtual void reset();
+
+    // The first tag must be the declaration; its values go to the document.
+    bool read_declaration();
+    // One tag and, for an element, its whole subtree, attached below `parent`.
+    bool read_node(xml_node_c* parent, bool skip_text);
+
+    // Loads the next tag's text, between `<` and `>`, into the token buffer.
+    bool _read_tag();
+    void _skip_spaces();
+    // Skips white space and tells whether the tag's text is used up.
+    bool _is_tag_end();
+    // Cuts one word out of the token buffer in place; null when there is none.
+    char* _get_word(char delimiter, bool skip_spaces, bool quoted);
+    // Grows the token buffer by 512 bytes.
+    void _enlarge_buffer();
+
+    void set_document(xml_document_c* doc) { document = doc; }
+    const char* get_buffer() const { return _buffer; }
+    std::uint64_t get_buffer_size() const { return _buffer_size; }
+    std::uint64_t get_cursor() const { return _cursor; }
+
+    xml_document_c* document = nullptr;
+
+  protected:
+    // Makes the next window of input available in [_in, _in_end); false at the end of the
+    // source. Called only when the current window is used up.
+    virtual bool _fill();
+
+    // The inline form of next_char.
+    unsigned char _take() {
+        for (;;) {
+            if (_in < _in_end) {
+                unsigned char c = *_in;
+                if (c == end_of_input) return _cut();
+                ++_in;
+                return c;
+            }
+            if (_ended || !_fill()) {
+                _ended = true;
+                return end_of_input;
+            }
+        }
+    }
+    // The input ends at the byte under `_in`.
+    unsigned char _cut() {
+        _in_end = _in;
+        _ended = true;
+        return end_of_input;
+    }
+    // Forgets the window.
+    void _drop_window() {
+        _in = _in_end = nullptr;
+        _ended = false;
+    }
+
+    const unsigned char* _in = nullptr;
+    const unsigned char* _in_end = nullptr;
+    bool _ended = false;
+
+  private:
+    // Stores `count` bytes of tag text at the cursor, growing the buffer as it goes; line ends
+    // vanish.
+    void _store_tag_bytes(const unsigned char* bytes, std::uint64_t count);
+    // Reads element text up to the next `<` (left unread) or the end of the input.
+    void _collect_text();
+    // One tag and what it starts, without the children of an element; `opened` receives an
+    // element whose children are to be read next.
+    bool _read_one(xml_node_c* parent, bool skip_text, xml_node_c*& opened);
+
+    char* _buffer = nullptr;
+    std::uint64_t _buffer_size = 0;
+    std::uint64_t _cursor = 0;
+    xml_special_characters_c _translator;
+    std::string _text;
+};
+
+class xml_file_reader_c : public xml_base_reader_c {
+  public:
+    static constexpr std::uint64_t window_size = 65536;
+
+    xml_file_reader_c() = default;
+    ~xml_file_reader_c() override;
+
+    unsigned char next_char() override;
+    void step_back() override;
+    void reset() override;
+
+    // Opens the file for reading; false, with a trace line, when it can't be opened.
+    bool open_xml(const char* path);
+
+  protected:
+    bool _fill() override;
+
+  private:
+    FILE_c _file;
+    // One byte of the previous window is kept in front of the new one, for step_back.
+    unsigned char* _window = nullptr;
+};
+
+class xml_stream_reader_c : public xml_base_reader_c {
+  public:
+    xml_stream_reader_c() = default;
+    // Reads a private copy of the first `length` bytes of `text`.
+    xml_stream_reader_c(const char* text, std::uint64_t length);
+    ~xml_stream_reader_c() override;
+
+    unsigned char next_char() override;
+    void step_back() override;
+    void reset() override;
+
+    // Replaces the text by a private copy; the position goes back to 0.
+    void set_text(const char* text, std::uint64_t length);
+    std::uint64_t get_position() const;
+    std::uint64_t get_length() const { return _length; }
+
+  protected:
+    bool _fill() override;
+
+  private:
+    char* _text = nullptr;
+    std::uint64_t _length = 0;
+};
