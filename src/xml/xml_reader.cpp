@@ -5,6 +5,7 @@
 #include "xml/xml_doc.h"
 #include "xml/xml_node.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <vector>
@@ -14,6 +15,25 @@ namespace {
 constexpr const char* source = "xml_reader";
 
 bool is_line_end(unsigned char c) { return c == '\n' || c == '\r'; }
+
+// The first line feed or carriage return in [p, end), or end.
+const unsigned char* next_line_end(const unsigned char* p, const unsigned char* end) {
+    if (p == end) return end;
+    const void* lf = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+    const unsigned char* limit = lf ? static_cast<const unsigned char*>(lf) : end;
+    const void* cr = std::memchr(p, '\r', static_cast<std::size_t>(limit - p));
+    return cr ? static_cast<const unsigned char*>(cr) : limit;
+}
+
+// The first `c` or 0xFF in [p, end), or end.
+const unsigned char* find_or_end_mark(const unsigned char* p, const unsigned char* end,
+                                      unsigned char c) {
+    if (p == end) return end;
+    const void* found = std::memchr(p, c, static_cast<std::size_t>(end - p));
+    const unsigned char* limit = found ? static_cast<const unsigned char*>(found) : end;
+    const void* mark = std::memchr(p, 0xFF, static_cast<std::size_t>(limit - p));
+    return mark ? static_cast<const unsigned char*>(mark) : limit;
+}
 
 // Removes white space at both ends of `text`, as the stream's trim does.
 void trim(std::string& text) {
@@ -30,7 +50,7 @@ void trim(std::string& text) {
 // ---- xml_base_reader_c
 
 xml_base_reader_c::xml_base_reader_c()
-    : _buffer(new char[buffer_step]()), _buffer_size(buffer_step) {}
+    : _buffer(new char[buffer_step]()), _buffer_size(buffer_step), _capacity(buffer_step) {}
 
 xml_base_reader_c::~xml_base_reader_c() { delete[] _buffer; }
 
@@ -47,32 +67,43 @@ void xml_base_reader_c::reset() {
 bool xml_base_reader_c::_fill() { return false; }
 
 void xml_base_reader_c::_enlarge_buffer() {
-    std::uint64_t size = _buffer ? _buffer_size + buffer_step : buffer_step;
-    char* grown = new char[size]();
+    _reserve(_buffer ? _buffer_size + buffer_step : buffer_step);
+    _buffer_size = _buffer ? _buffer_size + buffer_step : buffer_step;
+}
+
+// The cells behind the buffer's size are allocated ahead, doubling, so that a tag of many
+// megabytes read window by window is copied a few times, not once per window.
+void xml_base_reader_c::_reserve(std::uint64_t size) {
+    if (size <= _capacity) return;
+    std::uint64_t capacity = std::max(size, _capacity * 2);
+    char* grown = new char[capacity]();
     if (_buffer) std::memcpy(grown, _buffer, static_cast<std::size_t>(_buffer_size));
     delete[] _buffer;
     _buffer = grown;
-    _buffer_size = size;
+    _capacity = capacity;
 }
 
 // Every byte read is first checked against the buffer: at the last cell the buffer grows by
 // 512. The checks of a whole piece are made at once here, by the highest cursor any of them
 // sees, so that a long tag grows its buffer once per piece instead of once per 512 bytes.
 void xml_base_reader_c::_store_tag_bytes(const unsigned char* bytes, std::uint64_t count) {
-    std::uint64_t stored = 0;
-    for (std::uint64_t i = 0; i < count; ++i) stored += is_line_end(bytes[i]) ? 0 : 1;
-    std::uint64_t highest_check = _cursor + stored - (is_line_end(bytes[count - 1]) ? 0 : 1);
+    const unsigned char* end = bytes + count;
+    std::uint64_t line_ends = 0;
+    for (const unsigned char* p = bytes; (p = next_line_end(p, end)) != end; ++p) ++line_ends;
+    std::uint64_t stored = count - line_ends;
+    std::uint64_t highest_check = _cursor + stored - (is_line_end(end[-1]) ? 0 : 1);
     if (highest_check >= _buffer_size - 1) {
         std::uint64_t size = (highest_check + 2 + buffer_step - 1) / buffer_step * buffer_step;
-        char* grown = new char[size]();
-        std::memcpy(grown, _buffer, static_cast<std::size_t>(_cursor));
-        delete[] _buffer;
-        _buffer = grown;
+        _reserve(size);
         _buffer_size = size;
     }
     char* out = _buffer + _cursor;
-    for (std::uint64_t i = 0; i < count; ++i)
-        if (!is_line_end(bytes[i])) *out++ = static_cast<char>(bytes[i]);
+    for (const unsigned char* p = bytes; p < end;) {
+        const unsigned char* stop = line_ends ? next_line_end(p, end) : end;
+        std::memcpy(out, p, static_cast<std::size_t>(stop - p));
+        out += stop - p;
+        p = stop + (stop < end ? 1 : 0);
+    }
     _cursor = static_cast<std::uint64_t>(out - _buffer);
 }
 
@@ -82,8 +113,7 @@ bool xml_base_reader_c::_read_tag() {
     _cursor = 0;
     _buffer[0] = 0;
     for (;;) {
-        const unsigned char* p = _in;
-        while (p < _in_end && *p != '<' && *p != end_of_input) ++p;
+        const unsigned char* p = find_or_end_mark(_in, _in_end, '<');
         _in = p;
         if (p < _in_end) {
             if (*p == end_of_input) {
@@ -99,8 +129,7 @@ bool xml_base_reader_c::_read_tag() {
         }
     }
     for (;;) {
-        const unsigned char* p = _in;
-        while (p < _in_end && *p != '>' && *p != end_of_input) ++p;
+        const unsigned char* p = find_or_end_mark(_in, _in_end, '>');
         if (p > _in) _store_tag_bytes(_in, static_cast<std::uint64_t>(p - _in));
         _in = p;
         if (p < _in_end) {
@@ -147,6 +176,12 @@ char* xml_base_reader_c::_get_word(char delimiter, bool skip_spaces, bool quoted
         ++begin;
     }
     std::uint64_t end = begin;
+    if (!stop_at_space && delimiter) {
+        // Nothing stops the scan but the delimiter and the end of the text.
+        const char* found = std::strchr(_buffer + begin, delimiter);
+        if (!found) return nullptr;
+        end = static_cast<std::uint64_t>(found - _buffer);
+    }
     for (;; ++end) {
         char c = _buffer[end];
         if (c == delimiter) break;

@@ -101,8 +101,12 @@ class xml_base_reader_c {
     // element whose children are to be read next.
     bool _read_one(xml_node_c* parent, bool skip_text, xml_node_c*& opened);
 
+    // Makes room for `size` cells without changing the buffer's size.
+    void _reserve(std::uint64_t size);
+
     char* _buffer = nullptr;
     std::uint64_t _buffer_size = 0;
+    std::uint64_t _capacity = 0;
     std::uint64_t _cursor = 0;
     xml_special_characters_c _translator;
     std::string _text;
