@@ -3,6 +3,7 @@
 #include "files/basic_file.h"
 #include "files/fs_info.h"
 #include "files/sys_info.h"
+#include "stats_mng/stats_saver_ex.h"
 #include "support/thl.h"
 
 #include <mutex>
@@ -34,6 +35,8 @@ const load_order_n::step_s table[] = {
     {2, "the critical section around the drive list", file_system_info_n::start_drive_list_lock,
      file_system_info_n::stop_drive_list_lock},
     {3, "the sys_info_c instance", start_sys_info, stop_sys_info},
+    {4, "the critical section serialising stats_saver_ex_c::_save",
+     stats_saver_ex_n::start_save_section, stats_saver_ex_n::stop_save_section},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},

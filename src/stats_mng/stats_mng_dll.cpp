@@ -4,6 +4,7 @@
 #include "files/file.h"
 #include "files/file_manipulation.h"
 #include "stats_mng/stats_saver.h"
+#include "stats_mng/stats_saver_ex.h"
 #include "support/trc.h"
 
 #include <cstdint>
@@ -12,6 +13,16 @@ namespace {
 
 constexpr const char* source = "stats_mng.dll";
 constexpr const char* log_name = "stats_mng.dll";
+
+// The state of the scenario at `path`, as the engine left it in the state files.
+bool read_state(const char* path, unsigned int* state_index, bool* is_sync) {
+    stats_saver_ex_c saver;
+    saver.scenario_id = 0;
+    saver.root_path.append(path);
+    saver.state_dir_name.append(StateDirName);
+    saver.per_root_dir = true;
+    return saver.get_sync_state(state_index, is_sync);
+}
 
 // The start every query shares: the normalised path in `path`, false when it does not exist.
 bool normalise_and_find(const char* scenario_path, char (&path)[path_n::path_buffer_size]) {
@@ -50,8 +61,11 @@ extern "C" bool is_sync_replicated(const char* scenario_path) {
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
         return false;
     }
-    // The state files are not read by this build yet.
-    return false;
+    unsigned int state_index = STATS_MNG_STATE_UNKNOWN;
+    bool is_sync = false;
+    // Nothing read and "not synchronised" give the same answer.
+    if (!read_state(path, &state_index, &is_sync)) return false;
+    return is_sync;
 }
 
 extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int* state_index) {
@@ -63,8 +77,11 @@ extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
         return false;
     }
-    // The state files are not read by this build yet: the index stays "Unknown".
-    return false;
+    unsigned int index = STATS_MNG_STATE_UNKNOWN;
+    bool is_sync = false;
+    if (!read_state(path, &index, &is_sync)) return false;
+    *state_index = index;
+    return true;
 }
 
 extern "C" bool set_trc_file_log_path(const char* trc_file, const char* log_directory) {

@@ -5,6 +5,7 @@
 #include "files/file_modif.h"
 #include "files/file_properties.h"
 #include "support/trc.h"
+#include "xml/xml_tree_templ.h"
 
 namespace {
 constexpr const char* source = "stats_saver";
@@ -12,6 +13,8 @@ constexpr unsigned writer_flags = 0x100; // share reads only
 constexpr unsigned reader_flags = 0;     // share everything
 // The attribute word of a hidden plain object, as the engine hides its state directories.
 constexpr std::uint32_t hidden_plain = 130;
+// The open flag that asks for write-through.
+constexpr unsigned write_through = 8;
 } // namespace
 
 stats_saver_lock_c::stats_saver_lock_c(const char* scenario_path) : path(scenario_path) {}
@@ -68,4 +71,72 @@ bool stats_saver_lock_c::lock(bool writer) {
         return false;
     }
     return true;
+}
+
+// ---- stats_saver_c
+
+const char* stats_saver_c::_get_dir_path(utl_stream_c& out) {
+    out.append(utl_stream_c::clear_char);
+    if (root_path.get_length() == 0) return nullptr;
+    char buffer[path_n::path_buffer_size] = {};
+    path_n::standard_dir_path(root_path.c_str(), buffer, true);
+    out.append(buffer);
+    if (!out.ends_with("/", true)) out.append(utl_stream_c::clear_char).append(buffer).append("/");
+    out.append(state_dir_name);
+    return out.c_str();
+}
+
+const char* stats_saver_c::_get_file_path(utl_stream_c& out) {
+    if (!_get_dir_path(out)) return nullptr;
+    out.append("/").append(static_cast<unsigned long long>(scenario_id)).append("_stats.xml");
+    return out.c_str();
+}
+
+bool stats_saver_c::set_sync_state(std::uint32_t host_index, bool is_sync_replicated,
+                                   std::int64_t sync_time) {
+    utl_stream_c file_path;
+    if (!_get_file_path(file_path)) return false;
+    // A missing or broken record is not an error: a new one is started.
+    xml_tree_c tree;
+    tree.load(file_path.c_str());
+    xml_item_c* root = tree.get_root();
+    if (!root) {
+        root = new xml_item_c("stats_saver");
+        tree.attach(root, nullptr, true);
+    }
+    root->set_attribute("ScenarioID", static_cast<unsigned int>(scenario_id));
+    xml_item_c* record = nullptr;
+    for (xml_item_c* child = root->first_child_item(); child && !record;
+         child = child->next_item()) {
+        labeled_value_c* index = child->find_attribute("HostIndex");
+        if (index && index->to_uint64() == host_index && !index->get_error()) record = child;
+    }
+    if (!record) {
+        record = xml_item_c::create_child("host", root);
+        record->set_attribute("HostIndex", static_cast<unsigned int>(host_index));
+    }
+    record->set_attribute("IsSyncReplicated", is_sync_replicated);
+    record->set_attribute("IsSyncReplicatedTime", static_cast<long long>(sync_time));
+    utl_stream_c text;
+    tree.write(text, true);
+    return _save(text);
+}
+
+// The old file goes first, whatever happens after; a failure before the write loses it.
+bool stats_saver_c::_save(utl_stream_c& text) {
+    utl_stream_c file_path;
+    if (!_get_file_path(file_path)) return false;
+    file_manipulation_n::remove_path(file_path.c_str(), nullptr, nullptr);
+    file_manipulation_n::create_directory(file_path.c_str(), true);
+    utl_stream_c dir;
+    if (_get_dir_path(dir)) {
+        file_prop_access_c properties;
+        file_mode_c mode;
+        mode.set_hostmode(hidden_plain);
+        properties.set_mode_to_disk(dir.c_str(), mode);
+    }
+    FILE_c file;
+    if (!file.open(file_path.c_str(), "w", nullptr, write_through)) return false;
+    return file.write(text.c_str(), static_cast<std::int64_t>(text.get_length())) ==
+           static_cast<std::int64_t>(text.get_length());
 }

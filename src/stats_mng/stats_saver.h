@@ -5,7 +5,10 @@
 
 #include "utl/utl_stream.h"
 
+#include <cstdint>
+
 class FILE_c;
+class scenario_conf_c;
 
 // The hidden state directory under every scenario path. A name, never a prefix.
 inline constexpr const char* StateDirName = ".mr_qv_prefix";
@@ -29,4 +32,32 @@ class stats_saver_lock_c {
     utl_stream_c lock_file_path;
     bool is_writer = true;
     FILE_c* file = nullptr;
+};
+
+// The base of the state files: where a scenario's state directory lies, the saving of a finished
+// text there, and the per-host record of synchronisation results "<ScenarioID>_stats.xml". Its
+// creator sets root_path and state_dir_name; an empty root_path makes every path fail.
+class stats_saver_c {
+  public:
+    stats_saver_c() = default;
+    stats_saver_c(const stats_saver_c&) = delete;
+    stats_saver_c& operator=(const stats_saver_c&) = delete;
+    virtual ~stats_saver_c() = default;
+
+    // "<state directory>/<ScenarioID>_stats.xml" in `out`; null without a root path.
+    virtual const char* _get_file_path(utl_stream_c& out);
+    // Records whether the host's last synchronisation finished, and when.
+    virtual bool set_sync_state(std::uint32_t host_index, bool is_sync_replicated,
+                                std::int64_t sync_time);
+    // Replaces the file by `text`, in a state directory that is made and hidden first.
+    virtual bool _save(utl_stream_c& text);
+
+    // "<root>/<state_dir_name>" in `out`; null without a root path.
+    const char* _get_dir_path(utl_stream_c& out);
+
+    scenario_conf_c* conf = nullptr;
+    std::uint32_t scenario_id = 0;
+    utl_stream_c root_path;
+    utl_stream_c state_dir_name;
+    utl_stream_c scenario_name;
 };

@@ -361,7 +361,8 @@ bool xml_file_reader_c::open_xml(const char* path) {
 bool xml_file_reader_c::_fill() {
     if (!_file.is_open()) return false;
     if (!_window) {
-        _window = new unsigned char[window_size + 1]();
+        _window = new unsigned char[window_size + 1];
+        _window[0] = 0;
     } else if (_in_end > _window) {
         _window[0] = _in_end[-1];
     }

@@ -85,3 +85,54 @@ TEST_F(stats_tool, a_library_that_cannot_be_loaded_is_an_error) {
     EXPECT_EQ(result.status, 2);
     EXPECT_NE(result.output.find("cannot load the library"), std::string::npos) << result.output;
 }
+
+TEST_F(stats_tool, state_prints_the_three_answers_with_the_state_word) {
+    const std::string dir = scenario.join(".mr_qv_prefix");
+    run({"record-sync", scenario.str(), "--scenario-id", "1", "--host", "1", "--done", "--time",
+         "1"});
+    test_support::write_file(dir + "/stats.xml",
+                             "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Scenario State=\"Sync\" "
+                             "IsSyncReplicated=\"True\" IsSyncReplicatedTime=\"4\"/>\n"
+                             "</stats_saver>\n");
+    run_result_s result = run({"state", scenario.str()});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_NE(result.output.find("engine active:   no"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("sync replicated: yes"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("state:           Sync (2)"), std::string::npos) << result.output;
+    result = run({"state", scenario.str(), "--json"});
+    EXPECT_NE(result.output.find("\"state_read\": true"), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("\"state_index\": 2, \"state\": \"Sync\"}"), std::string::npos)
+        << result.output;
+}
+
+TEST_F(stats_tool, record_sync_writes_the_per_host_record) {
+    run_result_s result = run({"record-sync", scenario.str(), "--scenario-id", "12", "--host", "3",
+                               "--not-done", "--time", "-7"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_NE(result.output.find("recorded host 3 not done at -7"), std::string::npos)
+        << result.output;
+    result = run({"record-sync", scenario.str(), "--scenario-id", "12", "--host", "4", "--done",
+                  "--time", "9"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(test_support::read_file(scenario.join(".mr_qv_prefix/12_stats.xml")),
+              "<?xml version=\"1.0\"?>\n<stats_saver ScenarioID=\"12\">\n"
+              "\t<host HostIndex=\"3\" IsSyncReplicated=\"False\" IsSyncReplicatedTime=\"-7\"/>\n"
+              "\t<host HostIndex=\"4\" IsSyncReplicated=\"True\" IsSyncReplicatedTime=\"9\"/>\n"
+              "</stats_saver>\n");
+}
+
+TEST_F(stats_tool, record_sync_usage_errors_exit_with_two) {
+    EXPECT_EQ(run({"record-sync", scenario.str(), "--host", "1", "--done", "--time", "1"}).status,
+              2);
+    EXPECT_EQ(run({"record-sync", scenario.str(), "--scenario-id", "x", "--host", "1", "--done",
+                   "--time", "1"})
+                  .status,
+              2);
+    EXPECT_EQ(
+        run({"record-sync", scenario.str(), "--scenario-id", "1", "--host", "1", "--time", "1"})
+            .status,
+        2);
+    EXPECT_EQ(
+        run({"record-sync", "--scenario-id", "1", "--host", "1", "--done", "--time", "1"}).status,
+        2);
+}

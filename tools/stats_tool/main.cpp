@@ -7,7 +7,11 @@
 #include "stats_mng/stats_saver.h"
 #include "support/thl.h"
 
+#include <cerrno>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -27,6 +31,10 @@ const char* const usage_text =
     "                       take the engine's lock on the scenario DIR as the engine does and\n"
     "                       hold it until standard input closes (or a line \"stop\" comes), or\n"
     "                       until FILE exists\n"
+    "  record-sync DIR --scenario-id N --host H --done|--not-done --time T\n"
+    "                       record in DIR's state directory, in the per-host file\n"
+    "                       <N>_stats.xml, whether host H's last synchronisation finished,\n"
+    "                       and its time T, as the engine does\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -35,7 +43,7 @@ const char* const usage_text =
     "  --trace DIR          write the library's trace to DIR/stats_mng.dll.log\n"
     "\n"
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
-    "released, 1 the lock is held by another; 2 error\n";
+    "released, 1 the lock is held by another; record-sync: 0 written, 1 not written; 2 error\n";
 
 const char* const state_words[] = {"Running", "Stop", "Sync", "Unknown"};
 
@@ -151,6 +159,34 @@ int run_hold_lock(const std::string& directory, const std::string& release_file)
     return exit_yes;
 }
 
+// A whole decimal number in `text`, within [low, high].
+bool parse_number(const std::string& text, long long low, long long high, long long& out) {
+    if (text.empty()) return false;
+    char* end = nullptr;
+    errno = 0;
+    long long value = std::strtoll(text.c_str(), &end, 10);
+    if (errno || *end || value < low || value > high) return false;
+    out = value;
+    return true;
+}
+
+int run_record_sync(const std::string& directory, std::uint32_t scenario_id, std::uint32_t host,
+                    bool done, std::int64_t time) {
+    stats_saver_c saver;
+    saver.scenario_id = scenario_id;
+    saver.root_path.append(directory.c_str());
+    saver.state_dir_name.append(StateDirName);
+    if (!saver.set_sync_state(host, done, time)) {
+        std::fprintf(stderr, "stats_tool: could not write the per-host record under %s\n",
+                     directory.c_str());
+        return exit_no;
+    }
+    utl_stream_c path;
+    std::printf("recorded host %u %s at %lld in %s\n", host, done ? "done" : "not done",
+                static_cast<long long>(time), saver._get_file_path(path));
+    return exit_yes;
+}
+
 int usage_error(const char* message) {
     std::fprintf(stderr, "stats_tool: %s\n\n%s", message, usage_text);
     return exit_error;
@@ -191,6 +227,39 @@ int main(int argc, char** argv) {
         }
         if (directory.empty()) return usage_error("hold-lock needs a scenario directory");
         return run_hold_lock(directory, release_file);
+    }
+    if (command == "record-sync") {
+        std::string directory;
+        long long scenario_id = -1, host = -1, time = 0;
+        int done = -1;
+        bool have_time = false;
+        for (std::size_t i = 1; i < rest.size(); ++i) {
+            const std::string& a = rest[i];
+            bool has_value = i + 1 < rest.size();
+            if (a == "--done" || a == "--not-done") {
+                done = a == "--done";
+            } else if (a == "--scenario-id" && has_value) {
+                if (!parse_number(rest[++i], 0, 0xFFFFFFFFll, scenario_id))
+                    return usage_error("--scenario-id needs a number from 0 to 4294967295");
+            } else if (a == "--host" && has_value) {
+                if (!parse_number(rest[++i], 0, 0xFFFFFFFFll, host))
+                    return usage_error("--host needs a number from 0 to 4294967295");
+            } else if (a == "--time" && has_value) {
+                if (!parse_number(rest[++i], LLONG_MIN, LLONG_MAX, time))
+                    return usage_error("--time needs a signed 64-bit number");
+                have_time = true;
+            } else if (directory.empty() && a.rfind("--", 0) != 0) {
+                directory = a;
+            } else {
+                return usage_error(("unexpected argument '" + a + "'").c_str());
+            }
+        }
+        if (directory.empty()) return usage_error("record-sync needs a scenario directory");
+        if (scenario_id < 0 || host < 0 || done < 0 || !have_time)
+            return usage_error("record-sync needs --scenario-id, --host, --done or --not-done "
+                               "and --time");
+        return run_record_sync(directory, static_cast<std::uint32_t>(scenario_id),
+                               static_cast<std::uint32_t>(host), done == 1, time);
     }
     if (command != "state") return usage_error(("unknown command '" + command + "'").c_str());
     bool json = false;

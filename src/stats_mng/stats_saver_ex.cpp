@@ -1,0 +1,154 @@
+#include "stats_mng/stats_saver_ex.h"
+
+#include "files/file.h"
+#include "files/file_manipulation.h"
+#include "files/file_modif.h"
+#include "files/file_properties.h"
+#include "support/thl.h"
+#include "support/trc.h"
+#include "utl/utl.h"
+#include "xml/xml_tree_templ.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr const char* source = "stats_saver_ex";
+constexpr std::uint32_t hidden_plain = 130;
+constexpr unsigned write_through = 8;
+
+thl_crit_section_c* save_section_instance = nullptr;
+
+} // namespace
+
+void stats_saver_ex_n::start_save_section() { save_section_instance = new thl_crit_section_c; }
+
+void stats_saver_ex_n::stop_save_section() {
+    delete save_section_instance;
+    save_section_instance = nullptr;
+}
+
+thl_crit_section_c* stats_saver_ex_n::save_section() { return save_section_instance; }
+
+const char* stats_saver_ex_c::_get_file_path(utl_stream_c& out) {
+    if (!_get_dir_path(out)) return nullptr;
+    out.append("/stats.xml");
+    return out.c_str();
+}
+
+bool stats_saver_ex_c::_save(utl_stream_c& text) {
+    thl_lock_c hold(stats_saver_ex_n::save_section());
+    utl_stream_c file_path;
+    if (!_get_file_path(file_path)) return false;
+    if (!file_manipulation_n::if_exists(file_path.c_str(), nullptr)) {
+        file_manipulation_n::create_directory(file_path.c_str(), true);
+        utl_stream_c dir;
+        if (_get_dir_path(dir)) {
+            file_prop_access_c properties;
+            file_mode_c mode;
+            mode.set_hostmode(hidden_plain);
+            properties.set_mode_to_disk(dir.c_str(), mode);
+        }
+    }
+    FILE_c file;
+    if (!file.open(file_path.c_str(), "w", nullptr, write_through)) return false;
+    return file.write(text.c_str(), static_cast<std::int64_t>(text.get_length())) ==
+           static_cast<std::int64_t>(text.get_length());
+}
+
+// One directory up from the root, then the state directory's name and "stats.xml". A bare
+// drive such as "C:" has no directory above it and names its own state file.
+bool stats_saver_ex_c::_get_parent_file_path(utl_stream_c& out) {
+    char buffer[path_n::path_buffer_size] = {};
+    path_n::standard_dir_path(root_path.c_str(), buffer, true);
+    std::size_t length = std::strlen(buffer);
+    if (length && buffer[length - 1] == '/') buffer[--length] = 0;
+    if (char* slash = std::strrchr(buffer, '/')) {
+        *slash = 0;
+    } else if (length >= 2 && buffer[1] == ':') {
+        buffer[2] = 0;
+    } else {
+        return false;
+    }
+    out.append(utl_stream_c::clear_char).append(buffer);
+    if (!out.ends_with("/", true)) out.append(utl_stream_c::clear_char).append(buffer).append("/");
+    out.append(state_dir_name).append("/stats.xml");
+    return true;
+}
+
+void stats_saver_ex_c::_state_name_to_index(const char* word, unsigned* state_index) {
+    *state_index = state_unknown;
+    if (!word) return;
+    for (unsigned index : {2u, 1u, 0u}) {
+        if (os::_stricmp(word, state_names[index]) == 0) {
+            *state_index = index;
+            return;
+        }
+    }
+}
+
+bool stats_saver_ex_c::_get_state_timestamp(utl_stream_c& file_path, unsigned* state_index,
+                                            std::int64_t* sync_time, bool* is_sync_replicated) {
+    QVTR_SCOPE(tr, "stats_saver_ex_c::_get_state_timestamp", source);
+    *is_sync_replicated = false;
+    *sync_time = 0;
+    if (!file_manipulation_n::if_exists(file_path.c_str(), nullptr)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "File %s does not exist.", file_path.c_str());
+        return false;
+    }
+    xml_tree_c tree;
+    if (!tree.load(file_path.c_str()) || !tree.get_root()) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to load file %s.", file_path.c_str());
+        return false;
+    }
+    xml_item_c* record = tree.get_root()->first_child_item();
+    if (!record) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to parse file %s.", file_path.c_str());
+        return false;
+    }
+    if (labeled_value_c* flag = record->find_attribute("IsSyncReplicated"))
+        *is_sync_replicated = flag->to_bool();
+    else
+        tr.print_nl(QVTR_SUCCESS, __LINE__,
+                    "Fail to get the label IsSyncReplicated in the file %s.", file_path.c_str());
+    labeled_value_c* state = record->find_attribute("State");
+    if (!state) {
+        tr.print_nl(QVTR_SUCCESS, __LINE__, "Fail to get the label State in the file %s.",
+                    file_path.c_str());
+        return false;
+    }
+    _state_name_to_index(state->to_text(), state_index);
+    if (labeled_value_c* time = record->find_attribute("IsSyncReplicatedTime"))
+        *sync_time = time->to_int64();
+    return true;
+}
+
+bool stats_saver_ex_c::get_sync_state(unsigned* state_index, bool* is_sync_replicated) {
+    QVTR_SCOPE(tr, "stats_saver_ex_c::get_sync_state", source);
+    utl_stream_c own;
+    if (!_get_file_path(own)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to get path %s.", own.c_str());
+        return false;
+    }
+    utl_stream_c parent;
+    if (!_get_parent_file_path(parent)) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to get ParentPath %s.", parent.c_str());
+        parent.append(utl_stream_c::clear_char);
+    }
+    *state_index = state_unknown;
+    unsigned own_state = state_unknown, parent_state = state_unknown;
+    std::int64_t own_time = 0, parent_time = 0;
+    bool own_flag = false, parent_flag = false;
+    bool own_read = _get_state_timestamp(own, &own_state, &own_time, &own_flag);
+    bool parent_read = _get_state_timestamp(parent, &parent_state, &parent_time, &parent_flag);
+    if (!own_read && !parent_read) return false;
+    // The later time wins; a tie goes to the root's own file, whichever read succeeded.
+    if (own_time < parent_time) {
+        *state_index = parent_state;
+        *is_sync_replicated = parent_flag;
+    } else {
+        *state_index = own_state;
+        *is_sync_replicated = own_flag;
+    }
+    return true;
+}

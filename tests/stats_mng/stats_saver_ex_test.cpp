@@ -1,0 +1,406 @@
+// The state files: the per-host record of stats_saver_c and the reading side of
+// stats_saver_ex_c, on files prepared on disk; trace lines are read back from the trace file.
+#include "common/test_support.h"
+#include "files/file.h"
+#include "platform/os.h"
+#include "stats_mng/stats_saver.h"
+#include "stats_mng/stats_saver_ex.h"
+#include "xml/xml_tree_templ.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+using test_support::count_of;
+using test_support::read_file;
+using test_support::temp_dir_c;
+using test_support::trace_capture_c;
+using test_support::trace_line;
+using test_support::write_file;
+
+namespace {
+
+std::string state_file(const std::string& state, bool sync, long long time) {
+    return "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Scenario HostIndex=\"1\" ScenarioID=\"9\" "
+           "ScenarioName=\"s\" State=\"" +
+           state + "\" IsSyncReplicated=\"" + (sync ? "True" : "False") +
+           "\" IsSyncReplicatedTime=\"" + std::to_string(time) + "\"/>\n</stats_saver>\n";
+}
+
+os::DWORD attributes_of(const std::string& path) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(path.c_str(), wide.data(), true);
+    return os::GetFileAttributesW(wide.data());
+}
+
+bool set_attributes(const std::string& path, os::DWORD attributes) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(path.c_str(), wide.data(), true);
+    return os::SetFileAttributesW(wide.data(), attributes);
+}
+
+class state_files : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        root = top.join("parent") + "/scenario";
+        std::filesystem::create_directories(test_support::from_utf8(root + "/.mr_qv_prefix"));
+        saver.root_path.append(root.c_str());
+        saver.state_dir_name.append(".mr_qv_prefix");
+    }
+
+    std::string own_file() const { return root + "/.mr_qv_prefix/stats.xml"; }
+    std::string parent_file() const { return top.join("parent") + "/.mr_qv_prefix/stats.xml"; }
+    void write_parent(const std::string& text) {
+        std::filesystem::create_directories(
+            test_support::from_utf8(top.join("parent") + "/.mr_qv_prefix"));
+        write_file(parent_file(), text);
+    }
+
+    temp_dir_c top;
+    std::string root;
+    stats_saver_ex_c saver;
+};
+
+} // namespace
+
+// ---- stats_saver_c
+
+TEST(stats_saver, file_path_of_a_drive_directory) {
+    stats_saver_c saver;
+    saver.root_path.append("C:/data");
+    saver.state_dir_name.append(".mr_qv_prefix");
+    saver.scenario_id = 7;
+    utl_stream_c out;
+    ASSERT_NE(saver._get_file_path(out), nullptr);
+    EXPECT_STREQ(out.c_str(), "C:/data/.mr_qv_prefix/7_stats.xml");
+}
+
+TEST(stats_saver, empty_root_path_fails_every_path_and_the_save) {
+    stats_saver_c saver;
+    saver.state_dir_name.append(".mr_qv_prefix");
+    utl_stream_c out;
+    EXPECT_EQ(saver._get_file_path(out), nullptr);
+    EXPECT_EQ(saver._get_dir_path(out), nullptr);
+    utl_stream_c text("x");
+    EXPECT_FALSE(saver._save(text));
+    EXPECT_FALSE(saver.set_sync_state(1, true, 5));
+}
+
+TEST(stats_saver, two_hosts_make_two_records_and_a_repeat_changes_only_its_own) {
+    temp_dir_c dir;
+    stats_saver_c saver;
+    saver.root_path.append(dir.str().c_str());
+    saver.state_dir_name.append(".mr_qv_prefix");
+    saver.scenario_id = 42;
+    ASSERT_TRUE(saver.set_sync_state(1, true, 100));
+    ASSERT_TRUE(saver.set_sync_state(2, false, -5));
+    const std::string path = dir.join(".mr_qv_prefix/42_stats.xml");
+    EXPECT_EQ(read_file(path),
+              "<?xml version=\"1.0\"?>\n<stats_saver ScenarioID=\"42\">\n"
+              "\t<host HostIndex=\"1\" IsSyncReplicated=\"True\" IsSyncReplicatedTime=\"100\"/>\n"
+              "\t<host HostIndex=\"2\" IsSyncReplicated=\"False\" IsSyncReplicatedTime=\"-5\"/>\n"
+              "</stats_saver>\n");
+    ASSERT_TRUE(saver.set_sync_state(1, false, 200));
+    EXPECT_EQ(read_file(path),
+              "<?xml version=\"1.0\"?>\n<stats_saver ScenarioID=\"42\">\n"
+              "\t<host HostIndex=\"1\" IsSyncReplicated=\"False\" IsSyncReplicatedTime=\"200\"/>\n"
+              "\t<host HostIndex=\"2\" IsSyncReplicated=\"False\" IsSyncReplicatedTime=\"-5\"/>\n"
+              "</stats_saver>\n");
+}
+
+TEST(stats_saver, a_broken_record_is_started_anew) {
+    temp_dir_c dir;
+    std::filesystem::create_directories(dir.path() / ".mr_qv_prefix");
+    write_file(dir.join(".mr_qv_prefix/3_stats.xml"), "rubbish");
+    stats_saver_c saver;
+    saver.root_path.append(dir.str().c_str());
+    saver.state_dir_name.append(".mr_qv_prefix");
+    saver.scenario_id = 3;
+    ASSERT_TRUE(saver.set_sync_state(0, true, 1));
+    EXPECT_EQ(read_file(dir.join(".mr_qv_prefix/3_stats.xml")),
+              "<?xml version=\"1.0\"?>\n<stats_saver ScenarioID=\"3\">\n"
+              "\t<host HostIndex=\"0\" IsSyncReplicated=\"True\" IsSyncReplicatedTime=\"1\"/>\n"
+              "</stats_saver>\n");
+}
+
+TEST(stats_saver, save_hides_a_state_directory_that_was_unhidden) {
+    temp_dir_c dir;
+    stats_saver_c saver;
+    saver.root_path.append(dir.str().c_str());
+    saver.state_dir_name.append("state_dir");
+    saver.scenario_id = 1;
+    utl_stream_c text("<x/>");
+    ASSERT_TRUE(saver._save(text));
+    const std::string state_dir = dir.join("state_dir");
+    EXPECT_TRUE(attributes_of(state_dir) & os::FILE_ATTRIBUTE_HIDDEN);
+    ASSERT_TRUE(set_attributes(state_dir, os::FILE_ATTRIBUTE_DIRECTORY));
+    ASSERT_FALSE(attributes_of(state_dir) & os::FILE_ATTRIBUTE_HIDDEN);
+    ASSERT_TRUE(saver._save(text));
+    EXPECT_TRUE(attributes_of(state_dir) & os::FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(read_file(dir.join("state_dir/1_stats.xml")), "<x/>");
+}
+
+// ---- stats_saver_ex_c: paths and words
+
+TEST(stats_saver_ex, file_path_is_stats_xml_in_the_state_directory) {
+    stats_saver_ex_c saver;
+    saver.root_path.append("C:/a/b");
+    saver.state_dir_name.append(".mr_qv_prefix");
+    utl_stream_c out;
+    ASSERT_NE(saver._get_file_path(out), nullptr);
+    EXPECT_STREQ(out.c_str(), "C:/a/b/.mr_qv_prefix/stats.xml");
+}
+
+TEST(stats_saver_ex, parent_file_path_goes_one_directory_up) {
+    stats_saver_ex_c saver;
+    saver.state_dir_name.append(".mr_qv_prefix");
+    utl_stream_c out;
+    saver.root_path.append("C:/a/b");
+    ASSERT_TRUE(saver._get_parent_file_path(out));
+    EXPECT_STREQ(out.c_str(), "C:/a/.mr_qv_prefix/stats.xml");
+    saver.root_path.append(utl_stream_c::clear_char).append("C:/a");
+    ASSERT_TRUE(saver._get_parent_file_path(out));
+    EXPECT_STREQ(out.c_str(), "C:/.mr_qv_prefix/stats.xml");
+    saver.root_path.append(utl_stream_c::clear_char).append("C:");
+    ASSERT_TRUE(saver._get_parent_file_path(out));
+    EXPECT_STREQ(out.c_str(), "C:/.mr_qv_prefix/stats.xml");
+    utl_stream_c own;
+    saver._get_file_path(own);
+    EXPECT_STREQ(own.c_str(), out.c_str());
+}
+
+TEST(stats_saver_ex, parent_file_path_of_a_name_without_directory_fails) {
+    stats_saver_ex_c saver;
+    saver.state_dir_name.append(".mr_qv_prefix");
+    saver.root_path.append("relative");
+    utl_stream_c out;
+    EXPECT_FALSE(saver._get_parent_file_path(out));
+}
+
+TEST(stats_saver_ex, state_words_in_any_case) {
+    unsigned index = 9;
+    stats_saver_ex_c::_state_name_to_index("sync", &index);
+    EXPECT_EQ(index, 2u);
+    stats_saver_ex_c::_state_name_to_index("STOP", &index);
+    EXPECT_EQ(index, 1u);
+    stats_saver_ex_c::_state_name_to_index("Running", &index);
+    EXPECT_EQ(index, 0u);
+    stats_saver_ex_c::_state_name_to_index("Paused", &index);
+    EXPECT_EQ(index, 3u);
+    index = 0;
+    stats_saver_ex_c::_state_name_to_index("Unknown", &index);
+    EXPECT_EQ(index, 3u);
+    index = 0;
+    stats_saver_ex_c::_state_name_to_index(std::string(10240, 'S').c_str(), &index);
+    EXPECT_EQ(index, 3u);
+}
+
+// ---- _get_state_timestamp, one file
+
+TEST_F(state_files, missing_file_does_not_exist) {
+    trace_capture_c trace;
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 7;
+    std::int64_t time = 5;
+    bool sync = true;
+    EXPECT_FALSE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_EQ(index, 7u);
+    EXPECT_EQ(time, 0);
+    EXPECT_FALSE(sync);
+    EXPECT_NE(trace_line(trace.text(), "File " + own_file() + " does not exist."), "");
+}
+
+TEST_F(state_files, rubbish_and_empty_files_fail_to_load) {
+    for (const std::string& content : {std::string("rubbish"), std::string(),
+                                       std::string("<?xml version=\"1.0\"?>\n<!-- x -->\n")}) {
+        trace_capture_c trace;
+        write_file(own_file(), content);
+        utl_stream_c path(own_file().c_str());
+        unsigned index = 3;
+        std::int64_t time = 0;
+        bool sync = false;
+        EXPECT_FALSE(saver._get_state_timestamp(path, &index, &time, &sync)) << content;
+        EXPECT_NE(trace_line(trace.text(), "Fail to load file " + own_file() + "."), "")
+            << trace.text();
+    }
+}
+
+TEST_F(state_files, root_without_child_fails_to_parse) {
+    trace_capture_c trace;
+    write_file(own_file(), "<?xml version=\"1.0\"?>\n<stats_saver/>\n");
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 3;
+    std::int64_t time = 0;
+    bool sync = false;
+    EXPECT_FALSE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_NE(trace_line(trace.text(), "Fail to parse file " + own_file() + "."), "");
+}
+
+TEST_F(state_files, missing_flag_reads_false_and_goes_on) {
+    trace_capture_c trace;
+    write_file(own_file(), "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Scenario State=\"Stop\" "
+                           "IsSyncReplicatedTime=\"12\"/>\n</stats_saver>\n");
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 3;
+    std::int64_t time = 0;
+    bool sync = true;
+    EXPECT_TRUE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_EQ(index, 1u);
+    EXPECT_EQ(time, 12);
+    EXPECT_FALSE(sync);
+    EXPECT_NE(trace_line(trace.text(),
+                         "Fail to get the label IsSyncReplicated in the file " + own_file() + "."),
+              "");
+}
+
+TEST_F(state_files, missing_state_fails_and_keeps_the_flag) {
+    trace_capture_c trace;
+    write_file(own_file(), "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Scenario "
+                           "IsSyncReplicated=\"True\"/>\n</stats_saver>\n");
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 3;
+    std::int64_t time = 0;
+    bool sync = false;
+    EXPECT_FALSE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_TRUE(sync);
+    EXPECT_NE(
+        trace_line(trace.text(), "Fail to get the label State in the file " + own_file() + "."),
+        "");
+}
+
+TEST_F(state_files, file_without_time_reads_time_zero) {
+    write_file(own_file(), "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Scenario State=\"Sync\" "
+                           "IsSyncReplicated=\"False\"/>\n</stats_saver>\n");
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 3;
+    std::int64_t time = 99;
+    bool sync = true;
+    EXPECT_TRUE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_EQ(index, 2u);
+    EXPECT_EQ(time, 0);
+    EXPECT_FALSE(sync);
+}
+
+TEST_F(state_files, first_child_is_the_record_whatever_its_name) {
+    write_file(own_file(), "<?xml version=\"1.0\"?>\n<stats_saver>\n\t<Other State=\"Stop\"/>\n"
+                           "\t<Scenario State=\"Running\"/>\n</stats_saver>\n");
+    utl_stream_c path(own_file().c_str());
+    unsigned index = 3;
+    std::int64_t time = 0;
+    bool sync = false;
+    EXPECT_TRUE(saver._get_state_timestamp(path, &index, &time, &sync));
+    EXPECT_EQ(index, 1u);
+}
+
+// ---- get_sync_state, both files
+
+TEST_F(state_files, only_the_parent_file_counts_when_its_time_is_later) {
+    write_parent(state_file("Stop", true, 10));
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 1u);
+    EXPECT_TRUE(sync);
+}
+
+TEST_F(state_files, only_the_parent_file_with_time_zero_loses_the_tie) {
+    trace_capture_c trace;
+    write_parent(state_file("Stop", true, 0));
+    unsigned index = 9;
+    bool sync = true;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 3u);
+    EXPECT_FALSE(sync);
+    utl_stream_c formed;
+    saver._get_file_path(formed);
+    EXPECT_NE(trace_line(trace.text(), std::string("File ") + formed.c_str() + " does not exist."),
+              "")
+        << trace.text();
+}
+
+TEST_F(state_files, equal_times_take_the_own_file) {
+    write_file(own_file(), state_file("Running", false, 50));
+    write_parent(state_file("Sync", true, 50));
+    unsigned index = 9;
+    bool sync = true;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 0u);
+    EXPECT_FALSE(sync);
+}
+
+TEST_F(state_files, the_later_time_wins_either_way) {
+    write_file(own_file(), state_file("Running", false, 50));
+    write_parent(state_file("Sync", true, 51));
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 2u);
+    EXPECT_TRUE(sync);
+    write_parent(state_file("Sync", true, 49));
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 0u);
+    EXPECT_FALSE(sync);
+    // Times compare signed.
+    write_parent(state_file("Stop", true, -1));
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 0u);
+}
+
+TEST_F(state_files, neither_file_read_is_false_with_index_three) {
+    unsigned index = 9;
+    bool sync = true;
+    EXPECT_FALSE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 3u);
+    EXPECT_TRUE(sync) << "the flag is left untouched";
+}
+
+TEST_F(state_files, lower_case_sync_is_index_two) {
+    write_file(own_file(), state_file("sync", false, 1));
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 2u);
+}
+
+TEST(stats_saver_ex_paths, empty_root_path_fails_to_get_the_path) {
+    trace_capture_c trace;
+    stats_saver_ex_c saver;
+    saver.state_dir_name.append(".mr_qv_prefix");
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_FALSE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 9u) << "nothing is set before the path is formed";
+    EXPECT_NE(trace_line(trace.text(), "Fail to get path ."), "") << trace.text();
+}
+
+TEST(stats_saver_ex_paths, relative_root_goes_on_without_a_parent) {
+    trace_capture_c trace;
+    stats_saver_ex_c saver;
+    saver.state_dir_name.append(".mr_qv_prefix");
+    saver.root_path.append("relative");
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_FALSE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(index, 3u);
+    EXPECT_NE(trace_line(trace.text(), "Fail to get ParentPath ."), "") << trace.text();
+}
+
+TEST_F(state_files, save_writes_the_state_file_under_the_section) {
+    utl_stream_c text(state_file("Stop", false, 3).c_str());
+    ASSERT_TRUE(saver._save(text));
+    EXPECT_EQ(read_file(own_file()), state_file("Stop", false, 3));
+    ASSERT_NE(stats_saver_ex_n::save_section(), nullptr);
+}
+
+TEST_F(state_files, a_query_changes_no_file) {
+    write_file(own_file(), state_file("Stop", true, 3));
+    auto before = std::filesystem::last_write_time(test_support::from_utf8(own_file()));
+    unsigned index = 9;
+    bool sync = false;
+    EXPECT_TRUE(saver.get_sync_state(&index, &sync));
+    EXPECT_EQ(read_file(own_file()), state_file("Stop", true, 3));
+    EXPECT_EQ(std::filesystem::last_write_time(test_support::from_utf8(own_file())), before);
+    EXPECT_FALSE(std::filesystem::exists(test_support::from_utf8(parent_file())));
+}
