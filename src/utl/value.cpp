@@ -27,14 +27,6 @@ printed_s print_unsigned(std::uint64_t value) {
     return out;
 }
 
-char* copy_label(const char* label) {
-    const char* text = label ? label : "";
-    std::size_t n = std::strlen(text);
-    char* copy = new char[n + 1];
-    std::memcpy(copy, text, n + 1);
-    return copy;
-}
-
 } // namespace
 
 value_c::value_c() = default;
@@ -76,6 +68,8 @@ value_c& value_c::operator=(unsigned long long value) {
     return *this;
 }
 
+// The buffer keeps its exact size, as the capacity says; a text of a few bytes lives in the
+// value itself, so that the many short values of an XML tree cost no allocation.
 void value_c::set_text(const char* text) {
     if (!text) {
         if (_text) _text[0] = 0;
@@ -83,15 +77,20 @@ void value_c::set_text(const char* text) {
     }
     std::size_t need = std::strlen(text) + 1;
     if (_capacity < need) {
-        delete[] _text;
-        _text = new char[need];
+        char* block = need <= sizeof _inline_text ? _inline_text : new char[need];
+        std::memmove(block, text, need);
+        if (_text && _text != _inline_text && _text != block) delete[] _text;
+        _text = block;
         _capacity = need;
+        return;
     }
     // The text may be a part of this value's own buffer.
     std::memmove(_text, text, need);
 }
 
-value_c::~value_c() { delete[] _text; }
+value_c::~value_c() {
+    if (_text != _inline_text) delete[] _text;
+}
 
 void value_c::set_string(const char* text) {
     set_text(text ? text : "");
@@ -236,42 +235,64 @@ bool value_c::equals_text(const char* text) {
     return std::strcmp(to_text(), text ? text : "") == 0;
 }
 
-labeled_value_c::labeled_value_c(const char* label) : _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, const char* text)
-    : value_c(text), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, bool value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, char value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, short value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, int value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, long value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, long long value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, unsigned short value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, unsigned int value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, unsigned long value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const char* label, unsigned long long value)
-    : value_c(value), _label(copy_label(label)) {}
-labeled_value_c::labeled_value_c(const labeled_value_c& other)
-    : value_c(other), _label(copy_label(other._label)) {}
+labeled_value_c::labeled_value_c(const char* label) { _assign_label(label); }
+labeled_value_c::labeled_value_c(const char* label, const char* text) : value_c(text) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, bool value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, char value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, short value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, int value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, long value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, long long value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, unsigned short value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, unsigned int value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, unsigned long value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const char* label, unsigned long long value) : value_c(value) {
+    _assign_label(label);
+}
+labeled_value_c::labeled_value_c(const labeled_value_c& other) : value_c(other) {
+    _assign_label(other._label);
+}
 
 labeled_value_c& labeled_value_c::operator=(const labeled_value_c& other) {
     if (this == &other) return *this;
     value_c::operator=(other);
-    char* label = copy_label(other._label);
-    delete[] _label;
-    _label = label;
+    _assign_label(other._label);
     return *this;
 }
 
-labeled_value_c::~labeled_value_c() { delete[] _label; }
+labeled_value_c::~labeled_value_c() {
+    if (_label != _inline_label) delete[] _label;
+}
+
+// A null label is an empty one; a short label lives in the value itself.
+void labeled_value_c::_assign_label(const char* label) {
+    const char* text = label ? label : "";
+    std::size_t n = std::strlen(text) + 1;
+    char* block = n <= sizeof _inline_label ? _inline_label : new char[n];
+    std::memmove(block, text, n);
+    if (_label && _label != _inline_label && _label != block) delete[] _label;
+    _label = block;
+}
 
 bool labeled_value_c::is_equal(labeled_value_c& other) {
     if (this == &other) return true;

@@ -83,6 +83,8 @@ class value_c {
     std::int64_t _number = 0;
     type_t _type = type_undefined;
     bool _error = true;
+    // Room for the text of most values, numbers and words alike.
+    char _inline_text[24];
 };
 
 class labeled_value_c : public value_c {
@@ -108,7 +110,10 @@ class labeled_value_c : public value_c {
     bool is_equal(labeled_value_c& other);
 
   private:
-    char* _label;
+    void _assign_label(const char* label);
+
+    char* _label = nullptr;
+    char _inline_label[16];
 };
 
 // A named run-time setting: a name, its text and a stream for the conversion's complaints.

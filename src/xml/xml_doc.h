@@ -7,8 +7,25 @@
 #include "utl/tree.h"
 #include "utl/utl_stream.h"
 #include "xml/xml_node.h"
+#include "xml/xml_reader.h"
 
 #include <cstdint>
+
+class xml_document_c;
+
+// The builder that makes a document's nodes: each element an xml_node_c handed to add_node.
+class xml_node_builder_c : public xml_builder_i {
+  public:
+    explicit xml_node_builder_c(xml_document_c* doc) : _doc(doc) {}
+    void* open_element(const char* name, void* parent) override;
+    void add_attribute(void* element, const char* name, const char* value) override;
+    void set_text(void* element, const char* text) override;
+    void set_closed(void* element) override;
+    const char* name_of(void* element) override;
+
+  private:
+    xml_document_c* _doc;
+};
 
 class xml_document_c {
   public:
@@ -29,9 +46,14 @@ class xml_document_c {
     virtual bool _write_xml_buf_to_file(const char* text, std::uint64_t length, FILE_c* file);
 
     // Reads an XML file; element text is kept.
-    bool load(const char* path);
+    bool load(const char* path) { return load(path, nullptr); }
     // Reads XML from a string; element text is dropped.
-    bool load_from_str(const char* text);
+    bool load_from_str(const char* text) { return load_from_str(text, nullptr); }
+    // The same, with the elements going to `builder` instead of this document's nodes (null:
+    // the nodes); the declaration's values and the messages are the document's all the same.
+    bool load(const char* path, xml_builder_i* builder);
+    bool load_from_str(const char* text, xml_builder_i* builder);
+    xml_builder_i& node_builder() { return _node_builder; }
 
     void set_name();
     void set_version(const char* text);
@@ -79,4 +101,5 @@ class xml_document_c {
     char* _xml_file = nullptr;
     array_ct<xml_entity_c> _entities;
     tree_c* _tree = nullptr;
+    xml_node_builder_c _node_builder{this};
 };

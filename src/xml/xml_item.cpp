@@ -13,13 +13,25 @@ bool same_attribute(labeled_value_c& a, labeled_value_c& b) { return a.is_equal(
 
 } // namespace
 
-xml_item_c::xml_item_c(const char* item_label)
-    : label(item_label ? utl_n::str_copy(item_label, false) : nullptr) {}
+xml_item_c::xml_item_c(const char* item_label) { set_label(item_label); }
+
+void xml_item_c::set_label(const char* item_label) {
+    char* old = label != _inline_label ? label : nullptr;
+    if (!item_label) {
+        label = nullptr;
+    } else if (std::size_t n = std::strlen(item_label) + 1; n <= sizeof _inline_label) {
+        std::memmove(_inline_label, item_label, n);
+        label = _inline_label;
+    } else {
+        label = utl_n::str_copy(item_label, false);
+    }
+    delete[] old;
+}
 
 // Children are copied without recursion: a walk over the source's subtree in preorder, with the
 // copy of each item's parent found beside it.
-xml_item_c::xml_item_c(const xml_item_c& source, bool deep)
-    : label(utl_n::str_copy(or_empty(source.label), false)) {
+xml_item_c::xml_item_c(const xml_item_c& source, bool deep) {
+    set_label(or_empty(source.label));
     for (std::uint64_t i = 0; i < source.attributes.get_count(); ++i)
         set_attribute(source.attributes.at(i));
     if (!deep) return;
@@ -46,7 +58,7 @@ xml_item_c::xml_item_c(const xml_item_c& source, bool deep)
 xml_item_c::~xml_item_c() {
     for (std::uint64_t i = attributes.get_count(); i > 0; --i) delete attributes.at(i - 1);
     delete[] text;
-    delete[] label;
+    if (label != _inline_label) delete[] label;
     attributes.free_memory();
 }
 

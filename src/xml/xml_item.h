@@ -61,11 +61,19 @@ class xml_item_c : public generic_node_c {
     xml_item_c* first_child_item() const { return static_cast<xml_item_c*>(first_child); }
     xml_item_c* next_item() const { return static_cast<xml_item_c*>(next); }
 
+    // The label of a short name points into the item itself (see _inline_label); set it
+    // through set_label, never by assignment.
     char* label = nullptr;
     char* text = nullptr;
     array_ct<labeled_value_c> attributes;
 
+    // Replaces the label; null leaves the item without one.
+    void set_label(const char* item_label);
+
   protected:
+    // Room for the labels of most elements, so that an item costs one allocation.
+    char _inline_label[24];
+
     // The attribute with the label, made empty at the end of the array when it is missing.
     labeled_value_c* _attribute_for(const char* attr_label, bool& made);
 };

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -247,8 +248,9 @@ void xml_base_reader_c::_collect_text() {
     }
 }
 
-bool xml_base_reader_c::_read_one(xml_node_c* parent, bool skip_text, xml_node_c*& opened) {
-    opened = nullptr;
+bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool skip_text,
+                                  frame_s& opened) {
+    opened = frame_s{};
     if (_is_tag_end() && !_read_tag()) return false;
     char* text = _buffer;
 
@@ -264,8 +266,11 @@ bool xml_base_reader_c::_read_one(xml_node_c* parent, bool skip_text, xml_node_c
         _skip_spaces();
         const char* name = _get_word(0, true, false);
         // A closing tag with nothing open is a broken document.
-        if (!name || !parent || !parent->name || std::strcmp(name, parent->name) != 0) return false;
+        if (!name || !parent || !parent->element) return false;
+        const char* open_name = builder.name_of(parent->element);
+        if (!open_name || std::strcmp(name, open_name) != 0) return false;
         parent->closed = true;
+        builder.set_closed(parent->element);
         return true;
     }
 
@@ -279,61 +284,78 @@ bool xml_base_reader_c::_read_one(xml_node_c* parent, bool skip_text, xml_node_c
     if (!name) name = _get_word('\t', true, false);
     if (!name || !xml_document_c::validate_xml_name(name)) return false;
 
-    auto* node = new xml_node_c(name);
-    if (!document->add_node(node, parent)) {
-        delete node;
-        return false;
-    }
+    void* element = builder.open_element(name, parent ? parent->element : nullptr);
+    if (!element) return false;
+    frame_s frame{element, false};
     while (!_is_tag_end()) {
         const char* attr_name = _get_word('=', true, false);
         if (!attr_name || !xml_document_c::validate_xml_name(attr_name)) return false;
         const char* raw = _get_word('"', true, true);
         if (!raw) return false;
-        const char* value = _translator.translate_from_xml(raw);
+        // A value without `&` has no reference to decode and is taken as it stands.
+        const char* value = std::strchr(raw, '&') ? _translator.translate_from_xml(raw) : raw;
         if (!value) return false;
-        node->add_attribute(attr_name, value);
+        builder.add_attribute(element, attr_name, value);
     }
     if (!skip_text) {
         _collect_text();
         trim(_text);
         if (!_text.empty()) {
-            node->closed = true;
-            const char* translated = _translator.translate_from_xml(_text.c_str());
+            frame.closed = true;
+            builder.set_closed(element);
+            const char* translated = std::strchr(_text.c_str(), '&')
+                                         ? _translator.translate_from_xml(_text.c_str())
+                                         : _text.c_str();
             if (!translated) return false;
-            node->type = xml_node_c::type_text;
-            node->text.append(translated);
+            builder.set_text(element, translated);
         }
     }
     if (self_closed) {
-        node->closed = true;
+        builder.set_closed(element);
         return true;
     }
-    opened = node;
+    opened = frame;
     return true;
+}
+
+bool xml_base_reader_c::read_node(xml_node_c* parent, bool skip_text) {
+    if (!document) return false;
+    return read_elements(document->node_builder(), parent, skip_text);
 }
 
 // The element stack is kept here instead of on the call stack, so that the depth of a document
 // costs heap, not stack. Each element on it reads tags until it is closed, and at least one.
-bool xml_base_reader_c::read_node(xml_node_c* parent, bool skip_text) {
+bool xml_base_reader_c::read_elements(xml_builder_i& builder, void* parent, bool skip_text) {
     if (!document) return false;
-    std::vector<xml_node_c*> open;
+    frame_s top{parent, false};
+    std::vector<frame_s> open;
     for (;;) {
-        xml_node_c* opened = nullptr;
-        if (!_read_one(open.empty() ? parent : open.back(), skip_text, opened)) return false;
-        if (opened) {
+        frame_s* at = open.empty() ? (parent ? &top : nullptr) : &open.back();
+        frame_s opened;
+        if (!_read_one(builder, at, skip_text, opened)) return false;
+        if (opened.element) {
             open.push_back(opened);
             continue;
         }
-        while (!open.empty() && open.back()->closed) open.pop_back();
+        while (!open.empty() && open.back().closed) open.pop_back();
         if (open.empty()) return true;
     }
 }
 
 // ---- xml_file_reader_c
 
+namespace {
+// The window of the last file reader of this thread, kept for the next one: a load of a small
+// state file then costs no allocation of 32 KB.
+thread_local std::unique_ptr<unsigned char[]> spare_window;
+} // namespace
+
 xml_file_reader_c::~xml_file_reader_c() {
     xml_file_reader_c::reset();
-    delete[] _window;
+    if (_window && !spare_window)
+        spare_window.reset(_window);
+    else
+        delete[] _window;
 }
 
 unsigned char xml_file_reader_c::next_char() { return _take(); }
@@ -361,7 +383,7 @@ bool xml_file_reader_c::open_xml(const char* path) {
 bool xml_file_reader_c::_fill() {
     if (!_file.is_open()) return false;
     if (!_window) {
-        _window = new unsigned char[window_size + 1];
+        _window = spare_window ? spare_window.release() : new unsigned char[window_size + 1];
         _window[0] = 0;
     } else if (_in_end > _window) {
         _window[0] = _in_end[-1];

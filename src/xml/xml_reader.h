@@ -16,6 +16,22 @@
 class xml_document_c;
 class xml_node_c;
 
+// Where the elements of a parse go: the document's nodes, or a tree's items directly. An
+// element is an opaque handle of the builder's own.
+class xml_builder_i {
+  public:
+    virtual ~xml_builder_i() = default;
+    // A new element below `parent` (null at the top); null when the builder refuses it.
+    virtual void* open_element(const char* name, void* parent) = 0;
+    virtual void add_attribute(void* element, const char* name, const char* value) = 0;
+    // The element's text, decoded; it makes the element one that holds text.
+    virtual void set_text(void* element, const char* text) = 0;
+    // The element is complete.
+    virtual void set_closed(void* element) = 0;
+    // The name that a closing tag must repeat.
+    virtual const char* name_of(void* element) = 0;
+};
+
 class xml_base_reader_c {
   public:
     static constexpr unsigned char end_of_input = 255;
@@ -37,6 +53,8 @@ class xml_base_reader_c {
     bool read_declaration();
     // One tag and, for an element, its whole subtree, attached below `parent`.
     bool read_node(xml_node_c* parent, bool skip_text);
+    // The same into any builder; `parent` is one of the builder's elements, or null.
+    bool read_elements(xml_builder_i& builder, void* parent, bool skip_text);
 
     // Loads the next tag's text, between `<` and `>`, into the token buffer.
     bool _read_tag();
@@ -97,9 +115,14 @@ class xml_base_reader_c {
     void _store_tag_bytes(const unsigned char* bytes, std::uint64_t count);
     // Reads element text up to the next `<` (left unread) or the end of the input.
     void _collect_text();
+    // An element whose children are being read, and whether its end has been seen.
+    struct frame_s {
+        void* element = nullptr;
+        bool closed = false;
+    };
     // One tag and what it starts, without the children of an element; `opened` receives an
     // element whose children are to be read next.
-    bool _read_one(xml_node_c* parent, bool skip_text, xml_node_c*& opened);
+    bool _read_one(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened);
 
     // Makes room for `size` cells without changing the buffer's size.
     void _reserve(std::uint64_t size);
@@ -114,7 +137,7 @@ class xml_base_reader_c {
 
 class xml_file_reader_c : public xml_base_reader_c {
   public:
-    static constexpr std::uint64_t window_size = 65536;
+    static constexpr std::uint64_t window_size = 32768;
 
     xml_file_reader_c() = default;
     ~xml_file_reader_c() override;

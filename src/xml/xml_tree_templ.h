@@ -19,6 +19,7 @@
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace xml_tree_n {
@@ -172,15 +173,27 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
     // Element text is dropped by a string load.
     virtual bool load_from_str(const char* text) {
         xml_document_c doc;
-        bool loaded = doc.load_from_str(text);
-        if (loaded) from_document(&doc);
+        if (!_builds_items_directly()) {
+            bool loaded = doc.load_from_str(text);
+            if (loaded) from_document(&doc);
+            return loaded;
+        }
+        item_builder_c builder(*this);
+        bool loaded = doc.load_from_str(text, &builder);
+        if (loaded) _take_root(doc, builder);
         return loaded;
     }
 
     virtual bool load(const char* path) {
         xml_document_c doc;
-        bool loaded = doc.load(path);
-        if (loaded) from_document(&doc);
+        if (!_builds_items_directly()) {
+            bool loaded = doc.load(path);
+            if (loaded) from_document(&doc);
+            return loaded;
+        }
+        item_builder_c builder(*this);
+        bool loaded = doc.load(path, &builder);
+        if (loaded) _take_root(doc, builder);
         return loaded;
     }
 
@@ -290,6 +303,88 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
     void set_style_sheet(const char* text) { xml_tree_n::replace_string(_style_sheet, text); }
 
   protected:
+    // Whether load and load_from_str build the items straight from the reader, as from_node
+    // would make them from the document's nodes, instead of going through from_document. A
+    // tree that overrides from_document answers false, so that its own conversion runs.
+    virtual bool _builds_items_directly() const { return true; }
+
+    // Makes the items of a parse as the reader meets the elements: the same items, attributes
+    // and texts that from_node makes of the nodes, without the nodes.
+    class item_builder_c : public xml_builder_i {
+      public:
+        explicit item_builder_c(xml_tree_ct& tree) : _tree(tree) {}
+        ~item_builder_c() override { delete root; }
+        item_builder_c(const item_builder_c&) = delete;
+        item_builder_c& operator=(const item_builder_c&) = delete;
+
+        void* open_element(const char* name, void* parent) override {
+            T* item = new T(name);
+            if (parent)
+                _tree.attach(item, static_cast<T*>(parent), true);
+            else if (!root)
+                root = item;
+            else
+                delete std::exchange(item, nullptr);
+            return item;
+        }
+
+        void add_attribute(void* element, const char* name, const char* value) override {
+            T* item = static_cast<T*>(element);
+            if constexpr (std::is_same_v<T, xml_item_c>) {
+                if (_indexed(item, name, value)) return;
+            }
+            item->set_attribute(name, value);
+        }
+
+        void set_text(void* element, const char* text) override {
+            if (*text) static_cast<T*>(element)->set_text(text);
+        }
+
+        void set_closed(void*) override {}
+
+        const char* name_of(void* element) override { return static_cast<T*>(element)->label; }
+
+        T* root = nullptr;
+
+      private:
+        // set_attribute through a map from label to attribute, once an element has many.
+        bool _indexed(xml_item_c* item, const char* name, const char* value) {
+            if (item != _index_owner) {
+                if (item->attributes.get_count() < xml_tree_n::indexed_attribute_count)
+                    return false;
+                _index_owner = item;
+                _index.clear();
+                for (std::uint64_t i = 0; i < item->attributes.get_count(); ++i) {
+                    labeled_value_c* a = item->attributes.at(i);
+                    _index.emplace(a->get_label(), a);
+                }
+            }
+            auto found = _index.find(name);
+            if (found != _index.end()) {
+                found->second->set_string(value);
+                return true;
+            }
+            labeled_value_c* made = item->attributes.append(new labeled_value_c(name));
+            made->set_string(value);
+            _index.emplace(made->get_label(), made);
+            return true;
+        }
+
+        xml_tree_ct& _tree;
+        xml_item_c* _index_owner = nullptr;
+        std::unordered_map<std::string_view, labeled_value_c*> _index;
+    };
+
+    // What from_document does with a document's root, for a root built straight from the reader.
+    void _take_root(xml_document_c& doc, item_builder_c& builder) {
+        T* item = std::exchange(builder.root, nullptr);
+        if (!item) return;
+        if (!this->attach(item, nullptr, true)) delete item;
+        if (doc.get_version()) xml_tree_n::replace_string(_version, doc.get_version());
+        if (doc.get_style_sheet()) xml_tree_n::replace_string(_style_sheet, doc.get_style_sheet());
+        if (doc.get_encoding()) xml_tree_n::replace_string(_encoding, doc.get_encoding());
+    }
+
     // The item of one node, without its children.
     T* _item_of(xml_node_c* node) {
         T* item = new T(node->name ? node->name : "");
