@@ -36,7 +36,7 @@ class ratio_reporter_c : public benchmark::ConsoleReporter {
         std::ostream& out = GetOutputStream();
         for (const std::string& mine : _ours) {
             out << "\nratio " << mine << " / " << _theirs << " (" << (_real_time ? "real" : "CPU")
-                << " time; below 1 means ours is faster)\n";
+                << " time; below 1 means " << mine << " is faster)\n";
             for (const std::string& name : _cases) {
                 auto ours = _time.find(mine + "/" + name);
                 auto theirs = _time.find(_theirs + "/" + name);
