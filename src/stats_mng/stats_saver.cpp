@@ -128,15 +128,22 @@ bool stats_saver_c::_save(utl_stream_c& text) {
     if (!_get_file_path(file_path)) return false;
     file_manipulation_n::remove_path(file_path.c_str(), nullptr, nullptr);
     file_manipulation_n::create_directory(file_path.c_str(), true);
+    _hide_state_dir();
+    return _write_text(file_path.c_str(), text);
+}
+
+void stats_saver_c::_hide_state_dir() {
     utl_stream_c dir;
-    if (_get_dir_path(dir)) {
-        file_prop_access_c properties;
-        file_mode_c mode;
-        mode.set_hostmode(hidden_plain);
-        properties.set_mode_to_disk(dir.c_str(), mode);
-    }
+    if (!_get_dir_path(dir)) return;
+    file_prop_access_c properties;
+    file_mode_c mode;
+    mode.set_hostmode(hidden_plain);
+    properties.set_mode_to_disk(dir.c_str(), mode);
+}
+
+bool stats_saver_c::_write_text(const char* file_path, utl_stream_c& text) {
     FILE_c file;
-    if (!file.open(file_path.c_str(), "w", nullptr, write_through)) return false;
+    if (!file.open(file_path, "w", nullptr, write_through)) return false;
     return file.write(text.c_str(), static_cast<std::int64_t>(text.get_length())) ==
            static_cast<std::int64_t>(text.get_length());
 }

@@ -55,6 +55,14 @@ class stats_saver_c {
     // "<root>/<state_dir_name>" in `out`; null without a root path.
     const char* _get_dir_path(utl_stream_c& out);
 
+  protected:
+    // Hides the state directory as the engine hides it; a failure is not looked at.
+    void _hide_state_dir();
+    // Replaces the file's content by `text`, written through; false on a failed open or a
+    // short write.
+    static bool _write_text(const char* file_path, utl_stream_c& text);
+
+  public:
     scenario_conf_c* conf = nullptr;
     std::uint32_t scenario_id = 0;
     utl_stream_c root_path;

@@ -14,8 +14,6 @@
 namespace {
 
 constexpr const char* source = "stats_saver_ex";
-constexpr std::uint32_t hidden_plain = 130;
-constexpr unsigned write_through = 8;
 
 thl_crit_section_c* save_section_instance = nullptr;
 
@@ -42,18 +40,9 @@ bool stats_saver_ex_c::_save(utl_stream_c& text) {
     if (!_get_file_path(file_path)) return false;
     if (!file_manipulation_n::if_exists(file_path.c_str(), nullptr)) {
         file_manipulation_n::create_directory(file_path.c_str(), true);
-        utl_stream_c dir;
-        if (_get_dir_path(dir)) {
-            file_prop_access_c properties;
-            file_mode_c mode;
-            mode.set_hostmode(hidden_plain);
-            properties.set_mode_to_disk(dir.c_str(), mode);
-        }
+        _hide_state_dir();
     }
-    FILE_c file;
-    if (!file.open(file_path.c_str(), "w", nullptr, write_through)) return false;
-    return file.write(text.c_str(), static_cast<std::int64_t>(text.get_length())) ==
-           static_cast<std::int64_t>(text.get_length());
+    return _write_text(file_path.c_str(), text);
 }
 
 // One directory up from the root, then the state directory's name and "stats.xml". A bare

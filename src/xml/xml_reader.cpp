@@ -108,44 +108,34 @@ void xml_base_reader_c::_store_tag_bytes(const unsigned char* bytes, std::uint64
     _cursor = static_cast<std::uint64_t>(out - _buffer);
 }
 
+// Consumes the input up to and with the next `c`; the bytes before it go into the tag when
+// `keep` is set, and are dropped otherwise. False at the end of the input.
+bool xml_base_reader_c::_pass(unsigned char c, bool keep) {
+    for (;;) {
+        const unsigned char* p = find_or_end_mark(_in, _in_end, c);
+        if (keep && p > _in) _store_tag_bytes(_in, static_cast<std::uint64_t>(p - _in));
+        _in = p;
+        if (p < _in_end) {
+            if (*p == end_of_input) {
+                _cut();
+                return false;
+            }
+            ++_in;
+            return true;
+        }
+        if (_ended || !_fill()) {
+            _ended = true;
+            return false;
+        }
+    }
+}
+
 // Whatever stands before the `<` is skipped unseen. Line ends inside the tag vanish without a
 // trace, so they don't separate words; the tag ends at the first `>` wherever it stands.
 bool xml_base_reader_c::_read_tag() {
     _cursor = 0;
     _buffer[0] = 0;
-    for (;;) {
-        const unsigned char* p = find_or_end_mark(_in, _in_end, '<');
-        _in = p;
-        if (p < _in_end) {
-            if (*p == end_of_input) {
-                _cut();
-                return false;
-            }
-            ++_in;
-            break;
-        }
-        if (_ended || !_fill()) {
-            _ended = true;
-            return false;
-        }
-    }
-    for (;;) {
-        const unsigned char* p = find_or_end_mark(_in, _in_end, '>');
-        if (p > _in) _store_tag_bytes(_in, static_cast<std::uint64_t>(p - _in));
-        _in = p;
-        if (p < _in_end) {
-            if (*p == end_of_input) {
-                _cut();
-                return false;
-            }
-            ++_in;
-            break;
-        }
-        if (_ended || !_fill()) {
-            _ended = true;
-            return false;
-        }
-    }
+    if (!_pass('<', false) || !_pass('>', true)) return false;
     _buffer[_cursor] = 0;
     _cursor = 0;
     return true;

@@ -113,6 +113,9 @@ class xml_base_reader_c {
     // Stores `count` bytes of tag text at the cursor, growing the buffer as it goes; line ends
     // vanish.
     void _store_tag_bytes(const unsigned char* bytes, std::uint64_t count);
+    // Consumes the input up to and with the next `c`, keeping what stands before it in the tag
+    // or dropping it; false at the end of the input.
+    bool _pass(unsigned char c, bool keep);
     // Reads element text up to the next `<` (left unread) or the end of the input.
     void _collect_text();
     // An element whose children are being read, and whether its end has been seen.

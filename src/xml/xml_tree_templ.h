@@ -172,29 +172,15 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
 
     // Element text is dropped by a string load.
     virtual bool load_from_str(const char* text) {
-        xml_document_c doc;
-        if (!_builds_items_directly()) {
-            bool loaded = doc.load_from_str(text);
-            if (loaded) from_document(&doc);
-            return loaded;
-        }
-        item_builder_c builder(*this);
-        bool loaded = doc.load_from_str(text, &builder);
-        if (loaded) _take_root(doc, builder);
-        return loaded;
+        return _load([text](xml_document_c& doc, xml_builder_i* builder) {
+            return doc.load_from_str(text, builder);
+        });
     }
 
     virtual bool load(const char* path) {
-        xml_document_c doc;
-        if (!_builds_items_directly()) {
-            bool loaded = doc.load(path);
-            if (loaded) from_document(&doc);
-            return loaded;
-        }
-        item_builder_c builder(*this);
-        bool loaded = doc.load(path, &builder);
-        if (loaded) _take_root(doc, builder);
-        return loaded;
+        return _load([path](xml_document_c& doc, xml_builder_i* builder) {
+            return doc.load(path, builder);
+        });
     }
 
     // Appends the document's text to the stream.
@@ -374,6 +360,21 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
         xml_item_c* _index_owner = nullptr;
         std::unordered_map<std::string_view, labeled_value_c*> _index;
     };
+
+    // A load through a document: `read(doc, builder)` reads into the document's nodes (null
+    // builder) or straight into items; the items become this tree's as from_document would.
+    template <class Read> bool _load(Read read) {
+        xml_document_c doc;
+        if (!_builds_items_directly()) {
+            bool loaded = read(doc, nullptr);
+            if (loaded) from_document(&doc);
+            return loaded;
+        }
+        item_builder_c builder(*this);
+        bool loaded = read(doc, &builder);
+        if (loaded) _take_root(doc, builder);
+        return loaded;
+    }
 
     // What from_document does with a document's root, for a root built straight from the reader.
     void _take_root(xml_document_c& doc, item_builder_c& builder) {
