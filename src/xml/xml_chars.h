@@ -12,6 +12,7 @@ enum : std::uint8_t {
     space = 1,      // space, tab, line feed, vertical tab, form feed, carriage return
     name_start = 2, // a letter or `_`
     name_char = 4,  // a letter, a digit, `_`, `-`, `.` or `:`
+    end = 8,        // the byte 0 that ends a text
 };
 
 constexpr std::array<std::uint8_t, 256> make_table() {
@@ -21,6 +22,7 @@ constexpr std::array<std::uint8_t, 256> make_table() {
     for (int c = 'A'; c <= 'Z'; ++c) table[c] |= name_start | name_char;
     for (int c = '0'; c <= '9'; ++c) table[c] |= name_char;
     table['_'] |= name_start | name_char;
+    table[0] |= end;
     for (int c : {'-', '.', ':'}) table[c] |= name_char;
     return table;
 }
@@ -28,6 +30,7 @@ constexpr std::array<std::uint8_t, 256> make_table() {
 inline constexpr std::array<std::uint8_t, 256> table = make_table();
 
 inline bool is_space(char c) { return table[static_cast<unsigned char>(c)] & space; }
+inline bool is_space_or_end(char c) { return table[static_cast<unsigned char>(c)] & (space | end); }
 inline bool is_name_start(char c) { return table[static_cast<unsigned char>(c)] & name_start; }
 inline bool is_name_char(char c) { return table[static_cast<unsigned char>(c)] & name_char; }
 

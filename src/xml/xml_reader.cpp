@@ -173,11 +173,16 @@ char* xml_base_reader_c::_get_word(char delimiter, bool skip_spaces, bool quoted
         if (!found) return nullptr;
         end = static_cast<std::uint64_t>(found - _buffer);
     }
-    for (;; ++end) {
-        char c = _buffer[end];
-        if (c == delimiter) break;
-        if (stop_at_space && xml_chars_n::is_space(c)) return nullptr;
-        if (c == 0) return nullptr;
+    if (stop_at_space) {
+        // The delimiter ends the word; white space or the end of the text before it fail.
+        for (;; ++end) {
+            char c = _buffer[end];
+            if (c == delimiter) break;
+            if (xml_chars_n::is_space_or_end(c)) return nullptr;
+        }
+    } else {
+        for (; _buffer[end] != delimiter; ++end)
+            if (_buffer[end] == 0) return nullptr;
     }
     _cursor = end;
     if (_buffer[_cursor] != 0) {

@@ -16,6 +16,7 @@
 #include "xml/xml_node.h"
 
 #include <cstring>
+#include <functional>
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
@@ -335,6 +336,19 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
       private:
         // set_attribute through a map from label to attribute, once an element has many.
         bool _indexed(xml_item_c* item, const char* name, const char* value) {
+            // A name whose bit is not yet set among this element's names is new: it is
+            // appended as set_attribute would append it, without a search.
+            if (item != _seen_owner) {
+                _seen_owner = item;
+                _seen = 0;
+            }
+            std::uint64_t bit = std::uint64_t{1} << (std::hash<std::string_view>{}(name)&63);
+            bool surely_new = !(_seen & bit);
+            _seen |= bit;
+            if (surely_new && item != _index_owner) {
+                item->attributes.append(new labeled_value_c(name))->set_string(value);
+                return true;
+            }
             if (item != _index_owner) {
                 if (item->attributes.get_count() < xml_tree_n::indexed_attribute_count)
                     return false;
@@ -357,6 +371,8 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
         }
 
         xml_tree_ct& _tree;
+        xml_item_c* _seen_owner = nullptr;
+        std::uint64_t _seen = 0;
         xml_item_c* _index_owner = nullptr;
         std::unordered_map<std::string_view, labeled_value_c*> _index;
     };
