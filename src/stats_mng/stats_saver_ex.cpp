@@ -2,8 +2,6 @@
 
 #include "files/file.h"
 #include "files/file_manipulation.h"
-#include "files/file_modif.h"
-#include "files/file_properties.h"
 #include "support/thl.h"
 #include "support/trc.h"
 #include "utl/utl.h"
