@@ -2,6 +2,7 @@
 // against plain read(2)/write(2) with the same 1 MB buffer. Reports MB/s and, last, the ratio of
 // each FILE_c case to the plain calls (real time: the work waits on the system).
 #include "files/file_modif.h"
+#include "stats_mng/load_order.h"
 
 #include <benchmark/benchmark.h>
 
@@ -95,6 +96,7 @@ void plain_read(benchmark::State& state) {
 } // namespace
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     constexpr unsigned stream = 0, raw = 0x200;
     auto reg = [](const char* name, auto function) {
         benchmark::RegisterBenchmark(name, function)

@@ -4,6 +4,7 @@
 // files. The ratio ours / floor is printed at the end, from the medians.
 #include "ratio_reporter.h"
 #include "stats_mng.h"
+#include "stats_mng/load_order.h"
 
 #include <benchmark/benchmark.h>
 
@@ -91,6 +92,7 @@ BENCHMARK(ours)->Name("ours/get_scenario_state_index");
 BENCHMARK(floor)->Name("floor/get_scenario_state_index");
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     benchmark::Initialize(&argc, argv);
     ratio_reporter_c reporter({"ours"}, "floor", {"get_scenario_state_index"}, true);
     benchmark::RunSpecifiedBenchmarks(&reporter);

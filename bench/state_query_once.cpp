@@ -3,11 +3,13 @@
 //
 //   state_query_once DIR COUNT
 #include "stats_mng.h"
+#include "stats_mng/load_order.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     if (argc != 3) {
         std::fprintf(stderr, "usage: state_query_once DIR COUNT\n");
         return 2;

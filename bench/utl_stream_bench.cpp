@@ -3,6 +3,7 @@
 // numbers. Each case runs as a pair, "utl_stream/<case>" and "std_string/<case>"; after the
 // usual table the program prints one ratio line per case, ours over std::string, from the
 // medians when the run has repetitions and from the single run otherwise.
+#include "stats_mng/load_order.h"
 #include "utl/utl_stream.h"
 
 #include <benchmark/benchmark.h>
@@ -353,6 +354,7 @@ const case_s cases[] = {
 } // namespace
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     std::vector<std::string> names;
     for (const case_s& c : cases) {
         benchmark::RegisterBenchmark((std::string("utl_stream/") + c.name).c_str(), c.ours);

@@ -7,6 +7,7 @@
 //                           element text; pugixml load_buffer, tinyxml2 Parse, xmlReadMemory).
 // Every iteration builds the whole tree and destroys it. Throughput is the input's bytes per
 // second of CPU time; the ratio lines at the end put each parser over pugixml.
+#include "stats_mng/load_order.h"
 #include "xml/xml_tree_templ.h"
 
 #include <benchmark/benchmark.h>
@@ -94,6 +95,7 @@ void run(benchmark::State& state, load_f load, const input_s* in) {
 } // namespace
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     const std::string dir = STATS_MNG_XML_INPUTS;
     if (!xml_inputs::write_all(dir)) return 1;
     for (const std::string& name : xml_inputs::names())

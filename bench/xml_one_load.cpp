@@ -9,6 +9,7 @@
 // string modes parse that copy) and libxml2's global tables are set up, so that the difference
 // to the baseline is the load alone, the file modes' own opening and reading of the file
 // included, and the tree's destruction.
+#include "stats_mng/load_order.h"
 #include "xml/xml_tree_templ.h"
 
 #include <libxml/parser.h>
@@ -66,6 +67,7 @@ bool load(const std::string& mode, const char* path, const std::string& text) {
 } // namespace
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     if (argc != 3) {
         std::fprintf(stderr, "usage: %s none|ours|pugixml|tinyxml2|libxml2[_str] PATH\n", argv[0]);
         return 2;

@@ -3,6 +3,7 @@
 #include "files/file.h"
 #include "files/file_properties.h"
 #include "files/qv_io_api_createfile.h"
+#include "support/load_step.h"
 #include "support/thl.h"
 #include "support/trc.h"
 
@@ -15,13 +16,13 @@ constexpr std::uint32_t finished = 0x1;
 // Transfers go to the system in pieces it can count.
 constexpr std::int64_t largest_piece = 0x40000000;
 
-thl_ref_counter_c* open_handles = nullptr;
+load_step_object_ct<thl_ref_counter_c> open_handles("the process-wide open-handle counter");
 
 void count_open() {
-    if (open_handles) open_handles->increase(1);
+    if (thl_ref_counter_c* counter = open_handles.get()) counter->increase(1);
 }
 void count_closed() {
-    if (open_handles) open_handles->decrease(1);
+    if (thl_ref_counter_c* counter = open_handles.get()) counter->decrease(1);
 }
 
 bool is_standard_output(const file_handle_s& record) { return record.stream == stdout; }
@@ -103,12 +104,9 @@ bool cut_at(os::HANDLE handle, std::int64_t size) {
 
 } // namespace
 
-thl_ref_counter_c* open_handle_counter() { return open_handles; }
-void start_open_handle_counter() { open_handles = new thl_ref_counter_c; }
-void stop_open_handle_counter() {
-    delete open_handles;
-    open_handles = nullptr;
-}
+thl_ref_counter_c* open_handle_counter() { return open_handles.get(); }
+void start_open_handle_counter() { open_handles.build(); }
+void stop_open_handle_counter() { open_handles.drop(); }
 
 basic_file_c::auto_release_file_handle_c::auto_release_file_handle_c(os::HANDLE kept)
     : handle(kept) {

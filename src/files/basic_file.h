@@ -57,7 +57,7 @@ os::HANDLE qv_create_file(const char* path, os::DWORD access, os::DWORD disposit
 // A new record for `path` opened by `mode` ("r", "r+", "w", "w+", "a", "a+"), or null.
 file_handle_s* qv_fopen(const char* path, const char* mode, void* transaction, unsigned flags);
 
-// The process-wide counter of open handles, or null before the library has started.
+// The process-wide counter of open handles; null, and said loudly, before the library has started.
 thl_ref_counter_c* open_handle_counter();
 // Start-up and tear-down of that counter, steps of the library's load order.
 void start_open_handle_counter();

@@ -2,6 +2,7 @@
 
 #include "files/file.h"
 #include "platform/os.h"
+#include "support/load_step.h"
 #include "support/thl.h"
 #include "support/trc.h"
 #include "utl/multi_lang.h"
@@ -50,7 +51,8 @@ namespace {
 
 ptr_list_c* drive_list = nullptr;
 std::uint32_t shared_fs_code = fs_unknown;
-thl_crit_section_c* drive_list_lock = nullptr;
+load_step_object_ct<thl_crit_section_c>
+    drive_list_section("the critical section around the drive list");
 
 char* copy_text(const char* text) {
     if (!text) return nullptr;
@@ -169,7 +171,7 @@ bool drive_info_c::init(const char* path) {
 }
 
 std::uint32_t drive_file_system_code(const char* path) {
-    thl_lock_c hold(drive_list_lock);
+    thl_lock_c hold(drive_list_section.get());
     // While every known drive agrees, the path is not looked at.
     if (shared_fs_code != fs_unknown) return shared_fs_code;
     const drive_info_c* drive = find_or_add_drive(path);
@@ -177,27 +179,24 @@ std::uint32_t drive_file_system_code(const char* path) {
 }
 
 bool drive_supports_compression(const char* path) {
-    thl_lock_c hold(drive_list_lock);
+    thl_lock_c hold(drive_list_section.get());
     const drive_info_c* drive = find_or_add_drive(path);
     return drive && (drive->fs_flags & os::FILE_FILE_COMPRESSION);
 }
 
 void set_drive_list(ptr_list_c* list) {
-    thl_lock_c hold(drive_list_lock);
+    thl_lock_c hold(drive_list_section.get());
     drive_list = list;
     recompute_common_code();
 }
 
 std::uint32_t common_fs_code() {
-    thl_lock_c hold(drive_list_lock);
+    thl_lock_c hold(drive_list_section.get());
     return shared_fs_code;
 }
 
-void start_drive_list_lock() { drive_list_lock = new thl_crit_section_c(false); }
-void stop_drive_list_lock() {
-    delete drive_list_lock;
-    drive_list_lock = nullptr;
-}
+void start_drive_list_lock() { drive_list_section.build(false); }
+void stop_drive_list_lock() { drive_list_section.drop(); }
 
 const system_file_alias_s system_file_aliases[2] = {{"Win32_Pagefile", "pagefile.sys"},
                                                     {"Win32_Hiberfil", "hiberfil.sys"}};

@@ -1,18 +1,13 @@
 #include "files/sys_info.h"
 
-#include <new>
+#include "support/load_step.h"
 
 namespace {
-sys_info_c* instance = nullptr;
+load_step_object_ct<sys_info_c> instance("the sys_info_c instance");
 } // namespace
 
-sys_info_c* the_sys_info() { return instance; }
+sys_info_c* the_sys_info() { return instance.get(); }
 
-void start_sys_info() {
-    if (!instance) instance = new (std::nothrow) sys_info_c;
-}
+void start_sys_info() { instance.build(); }
 
-void stop_sys_info() {
-    delete instance;
-    instance = nullptr;
-}
+void stop_sys_info() { instance.drop(); }

@@ -26,7 +26,7 @@ class sys_info_c : public sys_info_data_c {
     std::uint64_t numbers[5] = {};
 };
 
-// The one instance, or null when it could not be made.
+// The one instance; null, and said loudly, before the library has started.
 sys_info_c* the_sys_info();
 // Start-up step: makes the instance, which lives as long as the library; tear-down frees it, so
 // that a process that loads and unloads the library many times loses nothing.

@@ -4,29 +4,29 @@
 #include "files/fs_info.h"
 #include "files/sys_info.h"
 #include "stats_mng/stats_saver_ex.h"
+#include "support/load_step.h"
 #include "support/thl.h"
 
+#include <array>
 #include <mutex>
 
 namespace {
 
 // Built at start-up and torn down at unload, though nothing in the library takes them.
-thl_crit_section_c* spare_section[5] = {};
-single_writer_multi_reader_c* spare_rw_lock = nullptr;
+load_step_object_ct<thl_crit_section_c> spare_section[5] = {
+    load_step_object_ct<thl_crit_section_c>("a thl_crit_section_c"),
+    load_step_object_ct<thl_crit_section_c>("a thl_crit_section_c"),
+    load_step_object_ct<thl_crit_section_c>("a thl_crit_section_c"),
+    load_step_object_ct<thl_crit_section_c>("a thl_crit_section_c"),
+    load_step_object_ct<thl_crit_section_c>("a thl_crit_section_c"),
+};
+load_step_object_ct<single_writer_multi_reader_c> spare_rw_lock("a single_writer_multi_reader_c");
 
-template <int index> void build_spare_section() {
-    spare_section[index] = new thl_crit_section_c(false);
-}
-template <int index> void drop_spare_section() {
-    delete spare_section[index];
-    spare_section[index] = nullptr;
-}
+template <int index> void build_spare_section() { spare_section[index].build(false); }
+template <int index> void drop_spare_section() { spare_section[index].drop(); }
 
-void build_spare_rw_lock() { spare_rw_lock = new single_writer_multi_reader_c; }
-void drop_spare_rw_lock() {
-    delete spare_rw_lock;
-    spare_rw_lock = nullptr;
-}
+void build_spare_rw_lock() { spare_rw_lock.build(); }
+void drop_spare_rw_lock() { spare_rw_lock.drop(); }
 
 // Kept by hand, in the order of the numbers; steps of layers not built yet are absent.
 const load_order_n::step_s table[] = {
@@ -45,20 +45,18 @@ const load_order_n::step_s table[] = {
     {26, "a thl_crit_section_c", build_spare_section<4>, drop_spare_section<4>},
 };
 
+// The journal and its count stay trivially destructible, like everything the steps use: the
+// shared library stops from a static destructor, after which nothing here may have gone.
 std::mutex journal_mutex;
-std::vector<int> run_journal;
+std::array<int, 4096> run_journal;
+std::size_t journal_length = 0;
 std::size_t steps_started = 0;
 
 void record(int entry) {
     std::lock_guard<std::mutex> hold(journal_mutex);
-    run_journal.push_back(entry);
+    // A process that starts and stops more often than the journal holds keeps the first entries.
+    if (journal_length < run_journal.size()) run_journal[journal_length++] = entry;
 }
-
-// Defined after everything it uses, so that it is built after them and torn down before them.
-struct library_lifetime_s {
-    library_lifetime_s() { load_order_n::start_all(); }
-    ~library_lifetime_s() { load_order_n::stop_all(); }
-} library_lifetime;
 
 } // namespace
 
@@ -80,7 +78,10 @@ void load_order_n::stop_all() {
     }
 }
 
+bool load_order_n::started() { return steps_started == std::size(table); }
+
 std::vector<int> load_order_n::journal() {
     std::lock_guard<std::mutex> hold(journal_mutex);
-    return run_journal;
+    return std::vector<int>(run_journal.begin(),
+                            run_journal.begin() + static_cast<std::ptrdiff_t>(journal_length));
 }

@@ -2,6 +2,7 @@
 
 #include "files/file.h"
 #include "files/file_manipulation.h"
+#include "support/load_step.h"
 #include "support/thl.h"
 #include "support/trc.h"
 #include "utl/utl.h"
@@ -13,18 +14,16 @@ namespace {
 
 constexpr const char* source = "stats_saver_ex";
 
-thl_crit_section_c* save_section_instance = nullptr;
+load_step_object_ct<thl_crit_section_c>
+    save_section_instance("the critical section serialising stats_saver_ex_c::_save");
 
 } // namespace
 
-void stats_saver_ex_n::start_save_section() { save_section_instance = new thl_crit_section_c; }
+void stats_saver_ex_n::start_save_section() { save_section_instance.build(); }
 
-void stats_saver_ex_n::stop_save_section() {
-    delete save_section_instance;
-    save_section_instance = nullptr;
-}
+void stats_saver_ex_n::stop_save_section() { save_section_instance.drop(); }
 
-thl_crit_section_c* stats_saver_ex_n::save_section() { return save_section_instance; }
+thl_crit_section_c* stats_saver_ex_n::save_section() { return save_section_instance.get(); }
 
 const char* stats_saver_ex_c::_get_file_path(utl_stream_c& out) {
     if (!_get_dir_path(out)) return nullptr;

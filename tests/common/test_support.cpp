@@ -1,7 +1,9 @@
 #include "common/test_support.h"
 
+#include "files/basic_file.h"
 #include "files/file.h"
 #include "platform/os.h"
+#include "support/thl.h"
 #include "support/trc.h"
 #include "utl/utl.h"
 
@@ -147,5 +149,7 @@ std::size_t count_of(const std::string& haystack, const std::string& needle) {
         ++count;
     return count;
 }
+
+int open_handle_count() { return open_handle_counter()->value(); }
 
 } // namespace test_support

@@ -77,6 +77,9 @@ std::string short_form(const std::string& path);
 // unchanged.
 bool long_names_resolve_with_prefix(const std::string& short_path);
 
+// The value of the process-wide counter of open handles (the test main has started the library).
+int open_handle_count();
+
 // Number of times `needle` stands in `haystack`.
 std::size_t count_of(const std::string& haystack, const std::string& needle);
 

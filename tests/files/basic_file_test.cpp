@@ -8,7 +8,6 @@
 #include "files/file_properties.h"
 #include "files/qv_io_api_createfile.h"
 #include "platform/os.h"
-#include "stats_mng/load_order.h"
 #include "support/thl.h"
 
 #include <gtest/gtest.h>
@@ -31,12 +30,6 @@ using test_support::write_file;
 
 constexpr unsigned raw = open_flags_n::raw_handle;
 constexpr unsigned overlapped = open_flags_n::overlapped;
-
-// The counter of open handles, started by the library's load order.
-int open_count() {
-    if (!open_handle_counter()) load_order_n::start_all();
-    return open_handle_counter()->value();
-}
 
 // The first line of the trace that holds `needle`; empty when none does.
 std::string line_holding(const std::string& trace, const std::string& needle) {
@@ -86,9 +79,9 @@ std::string read_all(basic_file_c& file, std::int64_t count) {
 
 class BasicFile : public ::testing::Test {
   protected:
-    void SetUp() override { before = open_count(); }
+    void SetUp() override { before = test_support::open_handle_count(); }
     void TearDown() override {
-        EXPECT_EQ(open_count(), before) << "an open handle was not given back";
+        EXPECT_EQ(test_support::open_handle_count(), before) << "an open handle was not given back";
     }
 
     temp_dir_c dir;
@@ -290,11 +283,11 @@ TEST_F(QvFopen, StdoutGivesARecordOnTheProcessOutput) {
 TEST_F(QvFopen, StdoutRecordIsNotClosedByClose) {
     basic_file_c file;
     ASSERT_TRUE(file.open("qv_stdout", "w", nullptr, 0));
-    EXPECT_EQ(open_count(), before + 1);
+    EXPECT_EQ(test_support::open_handle_count(), before + 1);
     EXPECT_TRUE(file.seek(12345)); // nothing done on the standard output
     EXPECT_TRUE(file.close());
     EXPECT_EQ(file.file, nullptr);
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     // The standard output still works.
     EXPECT_GE(os::_fileno(stdout), 0);
     EXPECT_EQ(std::ferror(stdout), 0);
@@ -447,9 +440,9 @@ TEST_F(BasicFile, CreateFileDoesNotCountHandles) {
     os::HANDLE handle = qv_create_file(dir.join("f.txt").c_str(), os::GENERIC_READ,
                                        os::OPEN_EXISTING, nullptr, true, 0);
     ASSERT_NE(handle, os::INVALID_HANDLE_VALUE);
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     EXPECT_TRUE(os::CloseHandle(handle));
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, CreateFileFlagsAreTracedAtTheirLevels) {
@@ -585,17 +578,17 @@ TEST_F(BasicFile, OpenAndCloseMoveTheCounter) {
     write_file(dir.join("f.txt"), "data");
     basic_file_c raw_file, stream_file;
     ASSERT_TRUE(raw_file.open(dir.join("f.txt").c_str(), "r", nullptr, raw));
-    EXPECT_EQ(open_count(), before + 1);
+    EXPECT_EQ(test_support::open_handle_count(), before + 1);
     ASSERT_TRUE(stream_file.open(dir.join("f.txt").c_str(), "r", nullptr, 0));
-    EXPECT_EQ(open_count(), before + 2);
+    EXPECT_EQ(test_support::open_handle_count(), before + 2);
     EXPECT_TRUE(raw_file.close());
-    EXPECT_EQ(open_count(), before + 1);
+    EXPECT_EQ(test_support::open_handle_count(), before + 1);
     EXPECT_TRUE(stream_file.close());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     EXPECT_FALSE(raw_file.open(dir.join("missing.txt").c_str(), "r", nullptr, raw));
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     EXPECT_FALSE(raw_file.close());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, DestructorClosesAndCounts) {
@@ -603,9 +596,9 @@ TEST_F(BasicFile, DestructorClosesAndCounts) {
     {
         basic_file_c file;
         ASSERT_TRUE(file.open(dir.join("f.txt").c_str(), "r", nullptr, raw));
-        EXPECT_EQ(open_count(), before + 1);
+        EXPECT_EQ(test_support::open_handle_count(), before + 1);
     }
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     // Closed, the file may be had without sharing again.
     basic_file_c exclusive;
     ASSERT_TRUE(exclusive.open(dir.join("f.txt").c_str(), "r", nullptr, 0x80 | raw));
@@ -619,12 +612,12 @@ TEST_F(BasicFile, DuplicateAndCloseHandleMoveTheCounter) {
     os::HANDLE copy = basic_file_c::_duplicate_handle(file._get_file_handle());
     ASSERT_NE(copy, nullptr);
     EXPECT_NE(copy, file._get_file_handle());
-    EXPECT_EQ(open_count(), before + 2);
+    EXPECT_EQ(test_support::open_handle_count(), before + 2);
     os::BY_HANDLE_FILE_INFORMATION information{};
     EXPECT_TRUE(os::GetFileInformationByHandle(copy, &information));
     EXPECT_EQ(information.nFileSizeLow, 10u);
     EXPECT_TRUE(file.close());
-    EXPECT_EQ(open_count(), before + 1);
+    EXPECT_EQ(test_support::open_handle_count(), before + 1);
     // The copy outlives the original.
     char text[4] = {};
     os::DWORD done = 0;
@@ -633,18 +626,18 @@ TEST_F(BasicFile, DuplicateAndCloseHandleMoveTheCounter) {
     EXPECT_TRUE(os::ReadFile(copy, text, 4, &done, &at));
     EXPECT_EQ(std::string(text, done), "6789");
     EXPECT_TRUE(basic_file_c::_close_handle(copy));
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, DuplicateOfNoHandleFailsAndCountsNothing) {
     EXPECT_EQ(basic_file_c::_duplicate_handle(nullptr), nullptr);
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, CloseHandleRefusesNullAndInvalid) {
     EXPECT_FALSE(basic_file_c::_close_handle(nullptr));
     EXPECT_FALSE(basic_file_c::_close_handle(os::INVALID_HANDLE_VALUE));
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, AutoReleaseHandleCountsWhileItLives) {
@@ -653,22 +646,22 @@ TEST_F(BasicFile, AutoReleaseHandleCountsWhileItLives) {
         basic_file_c::auto_release_file_handle_c empty;
         EXPECT_EQ(empty.handle, os::INVALID_HANDLE_VALUE);
     }
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     {
         basic_file_c::auto_release_file_handle_c failed(
             qv_create_file(dir.join("missing.txt").c_str(), os::GENERIC_READ, os::OPEN_EXISTING,
                            nullptr, true, 0));
         EXPECT_EQ(failed.handle, os::INVALID_HANDLE_VALUE);
-        EXPECT_EQ(open_count(), before);
+        EXPECT_EQ(test_support::open_handle_count(), before);
     }
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     {
         basic_file_c::auto_release_file_handle_c kept(qv_create_file(
             dir.join("f.txt").c_str(), os::GENERIC_READ, os::OPEN_EXISTING, nullptr, false, 0));
         ASSERT_NE(kept.handle, os::INVALID_HANDLE_VALUE);
-        EXPECT_EQ(open_count(), before + 1);
+        EXPECT_EQ(test_support::open_handle_count(), before + 1);
     }
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     // The handle was closed: the file, opened without sharing above, opens again.
     basic_file_c::auto_release_file_handle_c again(qv_create_file(
         dir.join("f.txt").c_str(), os::GENERIC_READ, os::OPEN_EXISTING, nullptr, false, 0));
@@ -700,7 +693,7 @@ TEST_F(BasicFile, CloseOnClosedObjectIsFalse) {
     ASSERT_TRUE(file.open(dir.join("f.txt").c_str(), "r", nullptr, raw));
     EXPECT_TRUE(file.close());
     EXPECT_FALSE(file.close());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, AioOnClosedObjectIsTrueDoingNothing) {
@@ -1036,12 +1029,12 @@ TEST_F(BasicFile, TruncateByPath) {
     write_file(dir.join("f.txt"), "0123456789");
     EXPECT_TRUE(basic_file_c::truncate(dir.join("f.txt").c_str(), 5));
     EXPECT_EQ(read_file(dir.join("f.txt")), "01234");
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     EXPECT_FALSE(basic_file_c::truncate(dir.join("missing.txt").c_str(), 5));
     EXPECT_FALSE(exists(dir.join("missing.txt")));
     fs::create_directory(dir.path() / "sub");
     EXPECT_FALSE(basic_file_c::truncate(dir.join("sub").c_str(), 0));
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
 }
 
 TEST_F(BasicFile, TruncateOfClosedObjectWorksByItsPath) {
@@ -1059,7 +1052,8 @@ TEST_F(BasicFile, SizeOfOpenFileFollowsWrites) {
     EXPECT_EQ(file.size(), 0);
     EXPECT_EQ(file.write("0123456789", 10), 10);
     EXPECT_EQ(file.size(), 10);
-    EXPECT_EQ(open_count(), before + 1) << "the size asks nothing that stays open";
+    EXPECT_EQ(test_support::open_handle_count(), before + 1)
+        << "the size asks nothing that stays open";
     EXPECT_TRUE(file.close());
     EXPECT_EQ(file.size(), -1);
 }

@@ -6,7 +6,6 @@
 #include "files/file.h"
 #include "files/file_manipulation.h"
 #include "files/qv_io_api_createfile.h"
-#include "stats_mng/load_order.h"
 #include "support/thl.h"
 #include "utl/utl.h"
 
@@ -292,11 +291,6 @@ TEST(VolumeGuidPathExists, KnownVolumeIsTrue) {
 
 // ---- helpers of the tests below
 
-int open_count() {
-    if (!open_handle_counter()) load_order_n::start_all();
-    return open_handle_counter()->value();
-}
-
 bool has_level(const std::string& line, unsigned level) {
     return line.find(" level=" + std::to_string(level) + " ") != std::string::npos;
 }
@@ -403,8 +397,10 @@ class current_directory_c {
 
 class FileManipulation : public ::testing::Test {
   protected:
-    void SetUp() override { before = open_count(); }
-    void TearDown() override { EXPECT_EQ(open_count(), before) << "a handle was not given back"; }
+    void SetUp() override { before = test_support::open_handle_count(); }
+    void TearDown() override {
+        EXPECT_EQ(test_support::open_handle_count(), before) << "a handle was not given back";
+    }
 
     temp_dir_c dir;
     int before = 0;

@@ -6,7 +6,6 @@
 #include "files/file.h"
 #include "files/file_manipulation.h"
 #include "platform/os.h"
-#include "stats_mng/load_order.h"
 #include "support/thl.h"
 
 #include <gtest/gtest.h>
@@ -27,11 +26,6 @@ using test_support::trace_line;
 using test_support::write_file;
 
 constexpr unsigned raw = 0x200;
-
-int open_count() {
-    if (!open_handle_counter()) load_order_n::start_all();
-    return open_handle_counter()->value();
-}
 
 std::string read_text(FILE_c& file, std::int64_t count) {
     std::string text(static_cast<std::size_t>(count), '\0');
@@ -62,8 +56,10 @@ class current_directory_c {
 
 class FileC : public ::testing::Test {
   protected:
-    void SetUp() override { before = open_count(); }
-    void TearDown() override { EXPECT_EQ(open_count(), before) << "a handle was not given back"; }
+    void SetUp() override { before = test_support::open_handle_count(); }
+    void TearDown() override {
+        EXPECT_EQ(test_support::open_handle_count(), before) << "a handle was not given back";
+    }
 
     temp_dir_c dir;
     int before = 0;
@@ -115,11 +111,11 @@ TEST_F(FileC, SecondCloseIsFalse) {
     write_file(dir.join("f.txt"), "data");
     FILE_c file;
     ASSERT_TRUE(file.open(dir.join("f.txt").c_str(), "r", nullptr, 0));
-    EXPECT_EQ(open_count(), before + 1);
+    EXPECT_EQ(test_support::open_handle_count(), before + 1);
     EXPECT_TRUE(file.close());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     EXPECT_FALSE(file.close());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     FILE_c never_opened;
     EXPECT_FALSE(never_opened.close());
 }
@@ -129,9 +125,9 @@ TEST_F(FileC, DestructorCloses) {
     {
         FILE_c file;
         ASSERT_TRUE(file.open(dir.join("f.txt").c_str(), "r", nullptr, 0x80 | raw));
-        EXPECT_EQ(open_count(), before + 1);
+        EXPECT_EQ(test_support::open_handle_count(), before + 1);
     }
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     FILE_c again;
     EXPECT_TRUE(again.open(dir.join("f.txt").c_str(), "r", nullptr, 0x80 | raw));
 }
@@ -289,7 +285,7 @@ TEST_F(FileC, VolumePseudoFileIsRefusedWithTrace) {
     FILE_c file;
     EXPECT_FALSE(file.open(volume.c_str(), "r", nullptr, 0));
     EXPECT_FALSE(file.is_open());
-    EXPECT_EQ(open_count(), before);
+    EXPECT_EQ(test_support::open_handle_count(), before);
     std::string line =
         trace_line(capture.text(), "Volume files are not supported in this build: " + volume);
     ASSERT_FALSE(line.empty()) << capture.text();

@@ -8,7 +8,6 @@
 #include "files/fs_info.h"
 #include "files/qv_io_api_createfile.h"
 #include "platform/os.h"
-#include "stats_mng/load_order.h"
 #include "support/thl.h"
 
 #include <gtest/gtest.h>
@@ -35,11 +34,6 @@ constexpr std::uint32_t hidden_host = 0x2;
 constexpr std::uint32_t readonly_host = 0x1;
 constexpr std::uint32_t sparse_host = 0x200;
 constexpr std::uint32_t compressed_host = 0x800;
-
-int open_count() {
-    if (!open_handle_counter()) load_order_n::start_all();
-    return open_handle_counter()->value();
-}
 
 bool has_level(const std::string& line, unsigned level) {
     return line.find(" level=" + std::to_string(level) + " ") != std::string::npos;
@@ -96,10 +90,7 @@ const char* const no_symlinks =
 // Installs a drive list for the lifetime of the object; the items given are owned.
 class drive_list_c {
   public:
-    drive_list_c() : _list(new ptr_list_c(false)) {
-        if (!open_handle_counter()) load_order_n::start_all();
-        file_system_info_n::set_drive_list(_list);
-    }
+    drive_list_c() : _list(new ptr_list_c(false)) { file_system_info_n::set_drive_list(_list); }
     ~drive_list_c() {
         file_system_info_n::set_drive_list(nullptr);
         for (const void* item = _list->first(); item; item = _list->next(item))
@@ -392,8 +383,10 @@ TEST(FilePropData, CopyTakesEveryField) {
 
 class FilePropAccess : public ::testing::Test {
   protected:
-    void SetUp() override { before = open_count(); }
-    void TearDown() override { EXPECT_EQ(open_count(), before) << "a handle was not given back"; }
+    void SetUp() override { before = test_support::open_handle_count(); }
+    void TearDown() override {
+        EXPECT_EQ(test_support::open_handle_count(), before) << "a handle was not given back";
+    }
 
     temp_dir_c dir;
     int before = 0;
@@ -518,7 +511,7 @@ TEST_F(FilePropAccess, LoadsFromAnOpenFile) {
         EXPECT_EQ(access.prop.is_valid, 1u);
         EXPECT_STREQ(access.prop.name.c_str(), path.c_str());
         EXPECT_EQ(access.prop.mode.qv_mode & file_mode_n::device, 0u);
-        EXPECT_EQ(open_count(), before + 1);
+        EXPECT_EQ(test_support::open_handle_count(), before + 1);
         EXPECT_TRUE(file.close());
         access.prop.name.append("junk");
         EXPECT_FALSE(access.load_file_properties_from_disk(file));

@@ -7,7 +7,6 @@
 #include "files/basic_file.h"
 #include "files/file.h"
 #include "platform/os.h"
-#include "stats_mng/load_order.h"
 #include "support/thl.h"
 
 #include <gtest/gtest.h>
@@ -309,7 +308,6 @@ std::size_t count_of_items(const ptr_list_c& list) {
 class DriveList : public ::testing::Test {
   protected:
     void SetUp() override {
-        if (!open_handle_counter()) load_order_n::start_all();
         file_system_info_n::set_drive_list(nullptr);
         list = new ptr_list_c(false);
     }

@@ -2,18 +2,11 @@
 // nothing fills afterwards.
 #include "files/sys_info.h"
 
-#include "stats_mng/load_order.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 
 namespace {
-
-sys_info_c* started_instance() {
-    if (!the_sys_info()) load_order_n::start_all();
-    return the_sys_info();
-}
 
 void expect_initial(const sys_info_c& info) {
     EXPECT_EQ(info.os_code, 36u);
@@ -28,16 +21,16 @@ void expect_initial(const sys_info_c& info) {
     for (std::uint64_t number : info.numbers) EXPECT_EQ(number, 0u);
 }
 
-TEST(SysInfo, InstanceIsMadeAtLoad) { EXPECT_NE(started_instance(), nullptr); }
+TEST(SysInfo, InstanceIsMadeAtLoad) { EXPECT_NE(the_sys_info(), nullptr); }
 
 TEST(SysInfo, InstanceHoldsTheStartingValues) {
-    sys_info_c* info = started_instance();
+    sys_info_c* info = the_sys_info();
     ASSERT_NE(info, nullptr);
     expect_initial(*info);
 }
 
 TEST(SysInfo, StartingAgainKeepsTheOneInstance) {
-    sys_info_c* info = started_instance();
+    sys_info_c* info = the_sys_info();
     start_sys_info();
     EXPECT_EQ(the_sys_info(), info);
 }

@@ -6,12 +6,14 @@
 // Prints "held" or "failed <error>"; exits 0 when it held the file, 1 when the open failed.
 #include "files/file_manipulation.h"
 #include "files/file_modif.h"
+#include "stats_mng/load_order.h"
 #include "support/thl.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     if (argc != 5) {
         std::fprintf(stderr, "usage: file_holder PATH MODE FLAGS RELEASE_FILE\n");
         return 2;

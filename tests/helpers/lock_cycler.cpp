@@ -4,12 +4,14 @@
 //   lock_cycler DIR COUNT
 //
 // Prints "done N" with the number of times it held the lock.
+#include "stats_mng/load_order.h"
 #include "stats_mng/stats_saver.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     if (argc != 3) {
         std::fprintf(stderr, "usage: lock_cycler DIR COUNT\n");
         return 2;

@@ -6,6 +6,7 @@
 // Turn by turn the file is replaced whole (a new file renamed over the old one) or rewritten in
 // place (opened with truncation, then written), with the states Running, Stop and Sync in turn
 // and a growing time. Prints "done N last I", I being the state index written last.
+#include "stats_mng/load_order.h"
 #include "stats_mng/stats_saver.h"
 #include "stats_mng/stats_saver_ex.h"
 
@@ -28,6 +29,7 @@ std::string state_text(unsigned index, long time) {
 } // namespace
 
 int main(int argc, char** argv) {
+    load_order_n::library_scope_c library;
     if (argc != 3) {
         std::fprintf(stderr, "usage: state_writer DIR COUNT\n");
         return 2;

@@ -1,9 +1,16 @@
-// The start-up table runs in order when the library loads and in reverse order when it unloads.
+// The start-up table runs in order when the library starts and in reverse order when it stops.
 #include "stats_mng/load_order.h"
+
+#include "common/test_support.h"
+#include "files/basic_file.h"
+#include "files/fs_info.h"
+#include "files/sys_info.h"
+#include "stats_mng/stats_saver_ex.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace {
@@ -54,4 +61,47 @@ TEST(load_order, starting_twice_runs_nothing_again) {
     std::size_t before = load_order_n::journal().size();
     load_order_n::start_all();
     EXPECT_EQ(load_order_n::journal().size(), before);
+}
+
+// Each consumer of an object of a start-up step, used while the library is stopped: a debug
+// build stops at an assertion, any other build writes the trace line and goes on with nothing.
+TEST(load_order, every_consumer_of_an_unstarted_step_says_so) {
+    struct consumer_s {
+        const char* what;
+        bool (*use)();
+    };
+    const consumer_s consumers[] = {
+        {"the process-wide open-handle counter", [] { return open_handle_counter() != nullptr; }},
+        {"the critical section around the drive list",
+         [] { return file_system_info_n::common_fs_code() == file_system_info_n::fs_unknown; }},
+        {"the sys_info_c instance", [] { return the_sys_info() != nullptr; }},
+        {"the critical section serialising stats_saver_ex_c::_save",
+         [] { return stats_saver_ex_n::save_section() != nullptr; }},
+    };
+    for (const consumer_s& consumer : consumers) {
+        SCOPED_TRACE(consumer.what);
+        test_support::trace_capture_c trace;
+        auto use_while_stopped = [&] {
+            load_order_n::stop_all();
+            consumer.use();
+            load_order_n::start_all();
+        };
+        EXPECT_DEBUG_DEATH(use_while_stopped(), "before the library was started");
+#if defined(NDEBUG)
+        EXPECT_FALSE(
+            test_support::trace_line(trace.text(), std::string(consumer.what) +
+                                                       " is used before the library was started.")
+                .empty())
+            << trace.text();
+        EXPECT_TRUE(load_order_n::started());
+#endif
+    }
+}
+
+TEST(load_order, started_is_true_between_start_and_stop) {
+    EXPECT_TRUE(load_order_n::started());
+    load_order_n::stop_all();
+    EXPECT_FALSE(load_order_n::started());
+    load_order_n::start_all();
+    EXPECT_TRUE(load_order_n::started());
 }

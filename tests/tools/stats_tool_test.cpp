@@ -1,9 +1,11 @@
 // stats_tool run as a separate process, as an operator or a script runs it.
 #include "common/test_support.h"
 #include "platform/os.h"
+#include "stats_mng/load_order.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -135,4 +137,16 @@ TEST_F(stats_tool, record_sync_usage_errors_exit_with_two) {
     EXPECT_EQ(
         run({"record-sync", "--scenario-id", "1", "--host", "1", "--done", "--time", "1"}).status,
         2);
+}
+
+TEST_F(stats_tool, its_own_process_ran_every_start_up_step_in_order) {
+    run_result_s result = run({"load-steps"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    std::string expected;
+    for (const load_order_n::step_s& step : load_order_n::steps()) {
+        char line[256];
+        std::snprintf(line, sizeof line, "%3d ran     %s\n", step.order, step.what);
+        expected += line;
+    }
+    EXPECT_EQ(result.output, expected);
 }

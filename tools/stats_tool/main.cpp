@@ -4,6 +4,7 @@
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
 #include "files/file_manipulation.h"
 #include "platform/os.h"
+#include "stats_mng/load_order.h"
 #include "stats_mng/stats_saver.h"
 #include "support/thl.h"
 
@@ -35,6 +36,7 @@ const char* const usage_text =
     "                       record in DIR's state directory, in the per-host file\n"
     "                       <N>_stats.xml, whether host H's last synchronisation finished,\n"
     "                       and its time T, as the engine does\n"
+    "  load-steps           list the start-up steps this program ran for its own commands\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -43,7 +45,8 @@ const char* const usage_text =
     "  --trace DIR          write the library's trace to DIR/stats_mng.dll.log\n"
     "\n"
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
-    "released, 1 the lock is held by another; record-sync: 0 written, 1 not written; 2 error\n";
+    "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
+    "load-steps: 0 every step ran, 1 a step is missing; 2 error\n";
 
 const char* const state_words[] = {"Running", "Stop", "Sync", "Unknown"};
 
@@ -187,6 +190,19 @@ int run_record_sync(const std::string& directory, std::uint32_t scenario_id, std
     return exit_yes;
 }
 
+// The start-up steps this process ran, in the order they ran; the state command asks the loaded
+// shared library instead, which starts itself.
+int run_load_steps() {
+    std::vector<int> journal = load_order_n::journal();
+    std::size_t ran = 0;
+    for (const load_order_n::step_s& step : load_order_n::steps()) {
+        bool found = ran < journal.size() && journal[ran] == step.order;
+        if (found) ++ran;
+        std::printf("%3d %s %s\n", step.order, found ? "ran    " : "MISSING", step.what);
+    }
+    return ran == load_order_n::steps().size() ? exit_yes : exit_no;
+}
+
 int usage_error(const char* message) {
     std::fprintf(stderr, "stats_tool: %s\n\n%s", message, usage_text);
     return exit_error;
@@ -195,6 +211,9 @@ int usage_error(const char* message) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // The tool's own commands use the library's classes, linked in: start them as the shared
+    // library starts itself when it is loaded.
+    load_order_n::library_scope_c library_core;
     std::vector<std::string> args(argv + 1, argv + argc);
     std::string library_path, trace_directory;
     std::vector<std::string> rest;
@@ -215,6 +234,10 @@ int main(int argc, char** argv) {
     if (rest.empty()) return usage_error("no command given");
 
     const std::string& command = rest[0];
+    if (command == "load-steps") {
+        if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
+        return run_load_steps();
+    }
     if (command == "hold-lock") {
         std::string directory, release_file;
         for (std::size_t i = 1; i < rest.size(); ++i) {

@@ -1,0 +1,14 @@
+// The start and stop of the shared library: built into stats_mng.dll / libstats_mng.so only,
+// never into the static core, whose programs start it themselves (load_order.h). The load entry
+// itself does nothing; this object's constructor runs when the library is loaded and its
+// destructor when it is unloaded.
+#include "stats_mng/load_order.h"
+
+namespace {
+
+struct library_lifetime_s {
+    library_lifetime_s() { load_order_n::start_all(); }
+    ~library_lifetime_s() { load_order_n::stop_all(); }
+} library_lifetime;
+
+} // namespace
