@@ -32,8 +32,15 @@ bool normalise_and_find(const char* scenario_path, char (&path)[path_n::path_buf
 
 } // namespace
 
+// A caller's null pointer is a slip that must not take the engine process down: each export
+// gives its failure result for it, with one trace line.
+
 extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
     QVTR_SCOPE(tr, "is_engine_active_for_scenario", source);
+    if (!scenario_path) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
+        return false;
+    }
     char path[path_n::path_buffer_size] = {};
     if (!normalise_and_find(scenario_path, path)) {
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
@@ -56,6 +63,10 @@ extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
 
 extern "C" bool is_sync_replicated(const char* scenario_path) {
     QVTR_SCOPE(tr, "is_sync_replicated", source);
+    if (!scenario_path) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
+        return false;
+    }
     char path[path_n::path_buffer_size] = {};
     if (!normalise_and_find(scenario_path, path)) {
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
@@ -71,8 +82,16 @@ extern "C" bool is_sync_replicated(const char* scenario_path) {
 extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int* state_index) {
     // Opened under the name of is_sync_replicated on purpose; the line number tells them apart.
     QVTR_SCOPE(tr, "is_sync_replicated", source);
-    char path[path_n::path_buffer_size] = {};
+    if (!state_index) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "A null state index has no room for the answer.");
+        return false;
+    }
     *state_index = STATS_MNG_STATE_UNKNOWN;
+    if (!scenario_path) {
+        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
+        return false;
+    }
+    char path[path_n::path_buffer_size] = {};
     if (!normalise_and_find(scenario_path, path)) {
         tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
         return false;
@@ -85,6 +104,13 @@ extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int
 }
 
 extern "C" bool set_trc_file_log_path(const char* trc_file, const char* log_directory) {
+    QVTR_SCOPE(tr, "set_trc_file_log_path", source);
+    // True in all cases; null paths leave the trace as it is.
+    if (!trc_file || !log_directory) {
+        tr.print_nl(QVTR_FAILURE, __LINE__,
+                    "A null trace settings file or log directory; the trace is left as it is.");
+        return true;
+    }
     char trace_file[path_n::path_buffer_size] = {};
     char directory[path_n::path_buffer_size] = {};
     path_n::standard_dir_path(trc_file, trace_file, true);

@@ -146,3 +146,45 @@ TEST_F(exports, trace_lines_carry_time_thread_level_unit_and_function) {
     EXPECT_NE(trace.find(" is_engine_active_for_scenario: Fail to find the path "),
               std::string::npos);
 }
+
+// Null arguments are a caller's slip: each export gives its failure result and one trace line,
+// and the engine process goes on.
+TEST_F(exports, a_null_scenario_path_gives_false_and_one_trace_line_from_each_query) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    unsigned int index = 7;
+    EXPECT_FALSE(library.is_engine_active_for_scenario(nullptr));
+    EXPECT_FALSE(library.is_sync_replicated(nullptr));
+    EXPECT_FALSE(library.get_scenario_state_index(nullptr, &index));
+    EXPECT_EQ(index, 3u);
+    library.stop_trace();
+    std::string trace = read_file(trace_file);
+    EXPECT_EQ(count_of(trace, "The scenario path is null.\n"), 3u) << trace;
+    EXPECT_EQ(count_of(trace, "is_engine_active_for_scenario: The scenario path is null."), 1u);
+    EXPECT_EQ(count_of(trace, "is_sync_replicated: The scenario path is null."), 2u);
+}
+
+TEST_F(exports, a_null_state_index_gives_false_and_one_trace_line) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    EXPECT_FALSE(library.get_scenario_state_index(scenarios.str().c_str(), nullptr));
+    EXPECT_FALSE(library.get_scenario_state_index(nullptr, nullptr));
+    library.stop_trace();
+    std::string trace = read_file(trace_file);
+    EXPECT_EQ(count_of(trace, "A null state index has no room for the answer.\n"), 2u) << trace;
+    EXPECT_EQ(count_of(trace, "The scenario path is null."), 0u) << trace;
+}
+
+TEST_F(exports, null_trace_paths_give_true_and_leave_the_trace_as_it_is) {
+    std::string trace_file = library.trace_into(trace_dir.str());
+    const std::string line =
+        "A null trace settings file or log directory; the trace is left as it is.";
+    std::string settings = trace_dir.join("settings.trc");
+    EXPECT_TRUE(library.set_trc_file_log_path(nullptr, trace_dir.str().c_str()));
+    EXPECT_TRUE(library.set_trc_file_log_path(settings.c_str(), nullptr));
+    EXPECT_TRUE(library.set_trc_file_log_path(nullptr, nullptr));
+    // Still the same file, still on: the next line lands in it.
+    EXPECT_FALSE(library.is_sync_replicated(nullptr));
+    library.stop_trace();
+    std::string trace = read_file(trace_file);
+    EXPECT_EQ(count_of(trace, line + "\n"), 3u) << trace;
+    EXPECT_EQ(count_of(trace, "is_sync_replicated: The scenario path is null.\n"), 1u) << trace;
+}
