@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -92,10 +93,11 @@ void path_n::standard_dir_path(const char* src, char* dst, bool strip_long_prefi
     if (w == 3 && dst[1] == ':') return;
 
     // A device root keeps a trailing '/', a path below a device stays as it is.
-    if (w > 18 && dst[1] != ':') {
+    constexpr std::string_view device_prefix = "GLOBALROOT/Device/";
+    if (w > device_prefix.size() && dst[1] != ':') {
         const char* device = strip_long_prefix ? dst : dst + 4;
-        if (begins_with(device, "GLOBALROOT/Device/")) {
-            if (std::strchr(device + 18, '/') == nullptr && w < longest_path) {
+        if (begins_with(device, device_prefix.data())) {
+            if (std::strchr(device + device_prefix.size(), '/') == nullptr && w < longest_path) {
                 dst[w++] = '/';
                 dst[w] = 0;
             }

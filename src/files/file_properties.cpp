@@ -21,11 +21,11 @@
 namespace {
 
 constexpr const char* source = "file_properties";
-constexpr std::uint32_t host_readonly = 0x1;
-constexpr std::uint32_t host_directory = 0x10;
-constexpr std::uint32_t host_normal = 0x80;
-constexpr std::uint32_t host_sparse = 0x200;
-constexpr std::uint32_t host_compressed = 0x800;
+constexpr std::uint32_t host_readonly = os::FILE_ATTRIBUTE_READONLY;
+constexpr std::uint32_t host_directory = os::FILE_ATTRIBUTE_DIRECTORY;
+constexpr std::uint32_t host_normal = os::FILE_ATTRIBUTE_NORMAL;
+constexpr std::uint32_t host_sparse = os::FILE_ATTRIBUTE_SPARSE_FILE;
+constexpr std::uint32_t host_compressed = os::FILE_ATTRIBUTE_COMPRESSED;
 constexpr std::uint32_t fat_family = 70;
 constexpr std::size_t reparse_buffer_size = 16408;
 
@@ -38,11 +38,15 @@ struct mode_bit_s {
 };
 
 constexpr mode_bit_s mode_bits[] = {
-    {file_mode_n::archive, 0x20, true},     {file_mode_n::compressed, 0x800, true},
-    {file_mode_n::encrypted, 0x4000, true}, {file_mode_n::hidden, 0x2, true},
-    {file_mode_n::offline, 0x1000, true},   {file_mode_n::system, 0x4, true},
-    {file_mode_n::reparse, 0x400, false},   {file_mode_n::sparse, 0x200, true},
-    {file_mode_n::device, 0x40, true},
+    {file_mode_n::archive, os::FILE_ATTRIBUTE_ARCHIVE, true},
+    {file_mode_n::compressed, os::FILE_ATTRIBUTE_COMPRESSED, true},
+    {file_mode_n::encrypted, os::FILE_ATTRIBUTE_ENCRYPTED, true},
+    {file_mode_n::hidden, os::FILE_ATTRIBUTE_HIDDEN, true},
+    {file_mode_n::offline, os::FILE_ATTRIBUTE_OFFLINE, true},
+    {file_mode_n::system, os::FILE_ATTRIBUTE_SYSTEM, true},
+    {file_mode_n::reparse, os::FILE_ATTRIBUTE_REPARSE_POINT, false},
+    {file_mode_n::sparse, os::FILE_ATTRIBUTE_SPARSE_FILE, true},
+    {file_mode_n::device, os::FILE_ATTRIBUTE_DEVICE, true},
 };
 
 std::uint64_t join_halves(os::DWORD high, os::DWORD low) {

@@ -20,7 +20,6 @@ namespace {
 
 constexpr const char* source = "qv_io_api_createfile";
 constexpr std::size_t longest_temp_name = 12;
-constexpr os::DWORD movefile_write_through = 0x8;
 
 bool is_separator(os::wide_char c) { return c == u'\\' || c == u'/'; }
 
@@ -38,9 +37,9 @@ void copy_wide(os::wide_char* dst, const std::u16string& src, std::size_t room) 
 
 bool move_file(const os::wide_char* from, const os::wide_char* to, void* transaction) {
     if (transaction)
-        return txf_wrapper_c::MoveFileTransacted(from, to, nullptr, nullptr, movefile_write_through,
-                                                 transaction) != 0;
-    return os::MoveFileExW(from, to, movefile_write_through) != 0;
+        return txf_wrapper_c::MoveFileTransacted(from, to, nullptr, nullptr,
+                                                 os::MOVEFILE_WRITE_THROUGH, transaction) != 0;
+    return os::MoveFileExW(from, to, os::MOVEFILE_WRITE_THROUGH) != 0;
 }
 
 } // namespace
@@ -214,26 +213,26 @@ os::HANDLE qv_create_file(const char* path, os::DWORD access, os::DWORD disposit
                           void* transaction, bool share, unsigned flags) {
     QVTR_SCOPE(tr, "qv_create_file", source);
     os::DWORD attributes = os::FILE_ATTRIBUTE_NORMAL | os::FILE_FLAG_BACKUP_SEMANTICS;
-    if (flags & 0x1) {
+    if (flags & open_flags_n::no_buffering) {
         attributes |= os::FILE_FLAG_NO_BUFFERING;
         tr.print(QVTR_SUCCESS, __LINE__, "NO BUFFERING file: %s\n", path);
     }
-    if (flags & 0x2) {
+    if (flags & open_flags_n::sequential_scan) {
         attributes |= os::FILE_FLAG_SEQUENTIAL_SCAN;
         tr.print(QVTR_INFO, __LINE__, "SEQUENTIAL SCAN file: %s\n", path);
     }
-    if (flags & 0x8) {
+    if (flags & open_flags_n::write_through) {
         attributes |= os::FILE_FLAG_WRITE_THROUGH;
         tr.print(QVTR_INFO, __LINE__, "WRITE THROUGH file: %s\n", path);
     }
-    if (flags & 0x20) {
+    if (flags & open_flags_n::overlapped) {
         attributes |= os::FILE_FLAG_OVERLAPPED;
         tr.print(QVTR_INFO, __LINE__, "OVERLAPPED file: %s\n", path);
     }
     // Opening a link opens the link, not its target.
     attributes |= os::FILE_FLAG_OPEN_REPARSE_POINT;
     os::DWORD sharing = !share ? 0
-                        : (flags & 0x100)
+                        : (flags & open_flags_n::share_reads_only)
                             ? os::FILE_SHARE_READ
                             : os::FILE_SHARE_READ | os::FILE_SHARE_WRITE | os::FILE_SHARE_DELETE;
 
@@ -294,13 +293,14 @@ file_handle_s* qv_fopen(const char* path, const char* mode, void* transaction, u
     if (!chosen) return nullptr;
 
     os::DWORD access = chosen->access;
-    if (flags & 0x4) access |= os::WRITE_DAC | os::WRITE_OWNER;
+    if (flags & open_flags_n::write_dac_owner) access |= os::WRITE_DAC | os::WRITE_OWNER;
     bool without_security =
         settings_n::bool_or(settings_n::open_file_without_system_security,
                             settings_n::open_file_without_system_security_default);
     if (!without_security && system_security_access) access |= os::ACCESS_SYSTEM_SECURITY;
-    os::DWORD disposition = (flags & 0x40) ? os::OPEN_EXISTING : chosen->disposition;
-    bool share = !(flags & 0x80);
+    os::DWORD disposition =
+        (flags & open_flags_n::open_existing) ? os::OPEN_EXISTING : chosen->disposition;
+    bool share = !(flags & open_flags_n::share_nothing);
 
     os::HANDLE handle = qv_create_file(path, access, disposition, transaction, share, flags);
     if (handle == os::INVALID_HANDLE_VALUE) {
@@ -326,7 +326,7 @@ file_handle_s* qv_fopen(const char* path, const char* mode, void* transaction, u
     }
 
     std::FILE* stream = nullptr;
-    if (!(flags & 0x20) && !(flags & 0x200)) {
+    if (!(flags & (open_flags_n::overlapped | open_flags_n::raw_handle))) {
         int fd = os::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), chosen->stream_flag);
         if (fd < 0) {
             os::CloseHandle(handle);

@@ -9,12 +9,10 @@
 
 namespace {
 constexpr const char* source = "stats_saver";
-constexpr unsigned writer_flags = 0x100; // share reads only
-constexpr unsigned reader_flags = 0;     // share everything
-// The attribute word of a hidden plain object, as the engine hides its state directories.
-constexpr std::uint32_t hidden_plain = 130;
-// The open flag that asks for write-through.
-constexpr unsigned write_through = 8;
+constexpr unsigned writer_flags = open_flags_n::share_reads_only;
+constexpr unsigned reader_flags = 0; // share everything
+// The attribute word of a hidden plain object (130), as the engine hides its state directories.
+constexpr std::uint32_t hidden_plain = os::FILE_ATTRIBUTE_NORMAL | os::FILE_ATTRIBUTE_HIDDEN;
 } // namespace
 
 stats_saver_lock_c::stats_saver_lock_c(const char* scenario_path) : path(scenario_path) {}
@@ -143,7 +141,7 @@ void stats_saver_c::_hide_state_dir() {
 
 bool stats_saver_c::_write_text(const char* file_path, utl_stream_c& text) {
     FILE_c file;
-    if (!file.open(file_path, "w", nullptr, write_through)) return false;
+    if (!file.open(file_path, "w", nullptr, open_flags_n::write_through)) return false;
     return file.write(text.c_str(), static_cast<std::int64_t>(text.get_length())) ==
            static_cast<std::int64_t>(text.get_length());
 }

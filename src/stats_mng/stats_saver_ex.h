@@ -4,9 +4,11 @@
 // process is serialised by one critical section, built at load.
 #pragma once
 
+#include "stats_mng.h"
 #include "stats_mng/stats_saver.h"
 
 #include <cstdint>
+#include <iterator>
 
 class thl_crit_section_c;
 
@@ -14,7 +16,8 @@ class stats_saver_ex_c : public stats_saver_c {
   public:
     // The state words, by state index. "Unknown" is never written to a file.
     static constexpr const char* state_names[] = {"Running", "Stop", "Sync", "Unknown"};
-    static constexpr unsigned state_unknown = 3;
+    static constexpr unsigned state_unknown = STATS_MNG_STATE_UNKNOWN;
+    static_assert(std::size(state_names) == STATS_MNG_STATE_UNKNOWN + 1);
 
     // "<state directory>/stats.xml" in `out`; null without a root path.
     const char* _get_file_path(utl_stream_c& out) override;

@@ -1,5 +1,6 @@
 #include "xml/xml_reader.h"
 
+#include "files/basic_file.h"
 #include "support/trc.h"
 #include "xml/xml_chars.h"
 #include "xml/xml_doc.h"
@@ -368,7 +369,7 @@ bool xml_file_reader_c::open_xml(const char* path) {
     if (!path || !*path) return false;
     QVTR_SCOPE(tr, "xml_file_reader_c::open_xml", source);
     reset();
-    if (!_file.open(path, "r", nullptr, 18)) {
+    if (!_file.open(path, "r", nullptr, open_flags_n::read_ahead | open_flags_n::sequential_scan)) {
         tr.print(4, __LINE__, "Can not open XML file %s (%s)\n", path, std::strerror(errno));
         return false;
     }

@@ -25,7 +25,7 @@ using test_support::trace_capture_c;
 using test_support::trace_line;
 using test_support::write_file;
 
-constexpr unsigned raw = 0x200;
+constexpr unsigned raw = open_flags_n::raw_handle;
 
 std::string read_text(FILE_c& file, std::int64_t count) {
     std::string text(static_cast<std::size_t>(count), '\0');

@@ -15,8 +15,8 @@ using test_support::temp_dir_c;
 
 namespace {
 
-constexpr unsigned writer_flags = 0x100; // share reads only
-constexpr unsigned reader_flags = 0;     // share everything
+constexpr unsigned writer_flags = open_flags_n::share_reads_only;
+constexpr unsigned reader_flags = 0; // share everything
 
 // A file_holder process with the file open until released or killed.
 class holder_c {

@@ -6,6 +6,7 @@
 #include "platform/os.h"
 #include "stats_mng/load_order.h"
 #include "stats_mng/stats_saver.h"
+#include "stats_mng/stats_saver_ex.h"
 #include "support/thl.h"
 
 #include <cerrno>
@@ -47,8 +48,6 @@ const char* const usage_text =
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
     "load-steps: 0 every step ran, 1 a step is missing; 2 error\n";
-
-const char* const state_words[] = {"Running", "Stop", "Sync", "Unknown"};
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -124,7 +123,9 @@ int run_state(const library_s& library, const std::string& directory, bool json)
     bool replicated = library.is_sync_replicated(directory.c_str());
     unsigned int index = 3;
     bool read = library.get_scenario_state_index(directory.c_str(), &index);
-    const char* word = index < 4 ? state_words[index] : "?";
+    const char* word = index < std::size(stats_saver_ex_c::state_names)
+                           ? stats_saver_ex_c::state_names[index]
+                           : "?";
     if (json) {
         std::printf("{\"scenario\": %s, \"engine_active\": %s, \"sync_replicated\": %s, "
                     "\"state_read\": %s, \"state_index\": %u, \"state\": %s}\n",
