@@ -1,0 +1,2 @@
+// A file above the OS layer that includes a system header: the layer check must fail.
+#include <unistd.h>
