@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <system_error>
 
 namespace xml_inputs {
@@ -243,8 +244,15 @@ std::string scenario_document() {
     return out.text;
 }
 
+std::string attributes_document() {
+    std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a";
+    for (int i = 0; i < 100000; ++i)
+        out += " k" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+    return out + "/>\n";
+}
+
 const std::vector<std::string>& names() {
-    static const std::vector<std::string> all = {"state", "template", "scenario"};
+    static const std::vector<std::string> all = {"state", "template", "scenario", "attributes"};
     return all;
 }
 
@@ -252,6 +260,7 @@ std::string document(const std::string& name) {
     if (name == "state") return state_document();
     if (name == "template") return template_document();
     if (name == "scenario") return scenario_document();
+    if (name == "attributes") return attributes_document();
     return std::string();
 }
 
