@@ -24,28 +24,27 @@ bool read_state(const char* path, unsigned int* state_index, bool* is_sync) {
     return saver.get_sync_state(state_index, is_sync);
 }
 
-// The start every query shares: the normalised path in `path`, false when it does not exist.
-bool normalise_and_find(const char* scenario_path, char (&path)[path_n::path_buffer_size]) {
+// The start every query shares: the normalised path in `path` when it exists; otherwise false
+// and one trace line, written with the caller's line so that each export's line stays its own.
+// A null path is a caller's slip that must not take the engine process down.
+bool find_scenario(qvtr_entry_c& tr, int line, const char* scenario_path,
+                   char (&path)[path_n::path_buffer_size]) {
+    if (!scenario_path) {
+        tr.print_nl(QVTR_FAILURE, line, "The scenario path is null.");
+        return false;
+    }
     path_n::standard_dir_path(scenario_path, path, true);
-    return file_manipulation_n::if_exists(path, nullptr);
+    if (file_manipulation_n::if_exists(path, nullptr)) return true;
+    tr.print_nl(QVTR_FAILURE, line, "Fail to find the path %s.", path);
+    return false;
 }
 
 } // namespace
 
-// A caller's null pointer is a slip that must not take the engine process down: each export
-// gives its failure result for it, with one trace line.
-
 extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
     QVTR_SCOPE(tr, "is_engine_active_for_scenario", source);
-    if (!scenario_path) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
-        return false;
-    }
     char path[path_n::path_buffer_size] = {};
-    if (!normalise_and_find(scenario_path, path)) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
-        return false;
-    }
+    if (!find_scenario(tr, __LINE__, scenario_path, path)) return false;
     // The state directory is made even by this query. The reader open alone tells an unusable
     // lock file from a held one; then a writer open fails exactly when the engine holds the lock.
     stats_saver_lock_c locker(path);
@@ -63,15 +62,8 @@ extern "C" bool is_engine_active_for_scenario(const char* scenario_path) {
 
 extern "C" bool is_sync_replicated(const char* scenario_path) {
     QVTR_SCOPE(tr, "is_sync_replicated", source);
-    if (!scenario_path) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
-        return false;
-    }
     char path[path_n::path_buffer_size] = {};
-    if (!normalise_and_find(scenario_path, path)) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
-        return false;
-    }
+    if (!find_scenario(tr, __LINE__, scenario_path, path)) return false;
     unsigned int state_index = STATS_MNG_STATE_UNKNOWN;
     bool is_sync = false;
     // Nothing read and "not synchronised" give the same answer.
@@ -87,15 +79,8 @@ extern "C" bool get_scenario_state_index(const char* scenario_path, unsigned int
         return false;
     }
     *state_index = STATS_MNG_STATE_UNKNOWN;
-    if (!scenario_path) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "The scenario path is null.");
-        return false;
-    }
     char path[path_n::path_buffer_size] = {};
-    if (!normalise_and_find(scenario_path, path)) {
-        tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to find the path %s.", path);
-        return false;
-    }
+    if (!find_scenario(tr, __LINE__, scenario_path, path)) return false;
     unsigned int index = STATS_MNG_STATE_UNKNOWN;
     bool is_sync = false;
     if (!read_state(path, &index, &is_sync)) return false;

@@ -13,27 +13,30 @@ constexpr unsigned writer_flags = open_flags_n::share_reads_only;
 constexpr unsigned reader_flags = 0; // share everything
 // The attribute word of a hidden plain object (130), as the engine hides its state directories.
 constexpr std::uint32_t hidden_plain = os::FILE_ATTRIBUTE_NORMAL | os::FILE_ATTRIBUTE_HIDDEN;
+
+// "<root>/<dir_name>" in `out`, the root in its normal form; null for an empty root.
+const char* state_dir_path(const utl_stream_c& root, const char* dir_name, utl_stream_c& out) {
+    out.append(utl_stream_c::clear_char);
+    if (root.get_length() == 0) return nullptr;
+    char buffer[path_n::path_buffer_size] = {};
+    path_n::standard_dir_path(root.c_str(), buffer, true);
+    out.append(buffer);
+    // A drive root such as "C:/" already ends with its separator.
+    if (!out.ends_with("/", true)) out.append(utl_stream_c::clear_char).append(buffer).append("/");
+    out.append(dir_name);
+    return out.c_str();
+}
+
 } // namespace
 
 stats_saver_lock_c::stats_saver_lock_c(const char* scenario_path) : path(scenario_path) {}
 
 stats_saver_lock_c::~stats_saver_lock_c() {
-    if (file) {
-        file->close();
-        delete file;
-    }
+    if (file) file->close();
 }
 
 const char* stats_saver_lock_c::_get_dir_path(utl_stream_c& out) {
-    out.append(utl_stream_c::clear_char);
-    if (path.get_length() == 0) return nullptr;
-    char buffer[path_n::path_buffer_size] = {};
-    path_n::standard_dir_path(path.c_str(), buffer, true);
-    out.append(buffer);
-    // A drive root such as "C:/" already ends with its separator.
-    if (!out.ends_with("/", true)) out.append(utl_stream_c::clear_char).append(buffer).append("/");
-    out.append(StateDirName);
-    return out.c_str();
+    return state_dir_path(path, StateDirName, out);
 }
 
 void stats_saver_lock_c::init() {
@@ -52,11 +55,10 @@ bool stats_saver_lock_c::lock(bool writer) {
     QVTR_SCOPE(tr, "stats_saver_lock_c::lock", source);
     if (file) {
         file->close();
-        delete file;
-        file = nullptr;
+        file.reset();
     }
     is_writer = writer;
-    file = new FILE_c;
+    file = std::make_unique<FILE_c>();
     if (writer) {
         if (!file->open(lock_file_path.c_str(), "w+", nullptr, writer_flags)) {
             tr.print_nl(QVTR_FAILURE, __LINE__, "Fail to open the lock file %s for writer lock.",
@@ -74,14 +76,7 @@ bool stats_saver_lock_c::lock(bool writer) {
 // ---- stats_saver_c
 
 const char* stats_saver_c::_get_dir_path(utl_stream_c& out) {
-    out.append(utl_stream_c::clear_char);
-    if (root_path.get_length() == 0) return nullptr;
-    char buffer[path_n::path_buffer_size] = {};
-    path_n::standard_dir_path(root_path.c_str(), buffer, true);
-    out.append(buffer);
-    if (!out.ends_with("/", true)) out.append(utl_stream_c::clear_char).append(buffer).append("/");
-    out.append(state_dir_name);
-    return out.c_str();
+    return state_dir_path(root_path, state_dir_name.c_str(), out);
 }
 
 const char* stats_saver_c::_get_file_path(utl_stream_c& out) {

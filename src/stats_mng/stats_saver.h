@@ -6,6 +6,7 @@
 #include "utl/utl_stream.h"
 
 #include <cstdint>
+#include <memory>
 
 class FILE_c;
 class scenario_conf_c;
@@ -31,7 +32,8 @@ class stats_saver_lock_c {
     utl_stream_c dir_path;
     utl_stream_c lock_file_path;
     bool is_writer = true;
-    FILE_c* file = nullptr;
+    // The open lock file, null when nothing is held; closed before it is deleted.
+    std::unique_ptr<FILE_c> file;
 };
 
 // The base of the state files: where a scenario's state directory lies, the saving of a finished

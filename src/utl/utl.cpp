@@ -93,6 +93,11 @@ char* str_copy(const char* text, bool round_size) {
     return text ? str_strncopy(text, std::strlen(text), round_size) : nullptr;
 }
 
+void str_replace_copy(char*& field, const char* text) {
+    delete[] field;
+    field = str_copy(text, false);
+}
+
 void set_last_error(unsigned int code) { os::SetLastError(code); }
 
 const char* format_last_error(utl_stream_c& out, unsigned int code) {

@@ -22,6 +22,8 @@ int uni_stricmp(const os::wide_char* a, const os::wide_char* b);
 char* str_copy(const char* text, bool round_size);
 // The same with `length` bytes of `text` and a terminator after them.
 char* str_strncopy(const char* text, std::size_t length, bool round_size);
+// Replaces the block of `field` by an exact copy of `text` (null for a null text).
+void str_replace_copy(char*& field, const char* text);
 // The size of the block that str_strncopy makes for `length` bytes.
 std::size_t str_block_size(std::size_t length, bool round_size);
 

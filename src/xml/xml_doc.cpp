@@ -12,11 +12,6 @@ namespace {
 
 constexpr const char* source = "xml_doc";
 
-void replace_string(char*& field, const char* text) {
-    delete[] field;
-    field = text ? utl_n::str_copy(text, false) : nullptr;
-}
-
 } // namespace
 
 xml_document_c::xml_document_c() { set_name(); }
@@ -106,27 +101,27 @@ bool xml_document_c::load_from_str(const char* text, xml_builder_i* builder) {
 
 void xml_document_c::set_name() {
     QVTR_SCOPE(tr, "xml_document_c::set_name", source);
-    replace_string(_name, nullptr);
+    utl_n::str_replace_copy(_name, nullptr);
 }
 
 void xml_document_c::set_version(const char* text) {
     QVTR_SCOPE(tr, "xml_document_c::set_version", source);
-    replace_string(_version, text);
+    utl_n::str_replace_copy(_version, text);
 }
 
 void xml_document_c::set_encoding(const char* text) {
     QVTR_SCOPE(tr, "xml_document_c::set_encoding", source);
-    replace_string(_encoding, text);
+    utl_n::str_replace_copy(_encoding, text);
 }
 
 void xml_document_c::set_style_sheet(const char* text) {
     QVTR_SCOPE(tr, "xml_document_c::set_style_sheet", source);
-    replace_string(_style_sheet, text);
+    utl_n::str_replace_copy(_style_sheet, text);
 }
 
 void xml_document_c::set_xml_file(const char* text) {
     QVTR_SCOPE(tr, "xml_document_c::set_xml_file", source);
-    replace_string(_xml_file, text);
+    utl_n::str_replace_copy(_xml_file, text);
 }
 
 // The words "yes" and "no" would only be looked at for a missing text, which has no word to

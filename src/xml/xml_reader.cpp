@@ -54,14 +54,14 @@ void trim(std::string& text) {
 xml_base_reader_c::xml_base_reader_c()
     : _buffer(new char[buffer_step]()), _buffer_size(buffer_step), _capacity(buffer_step) {}
 
-xml_base_reader_c::~xml_base_reader_c() { delete[] _buffer; }
+xml_base_reader_c::~xml_base_reader_c() = default;
 
 unsigned char xml_base_reader_c::next_char() { return end_of_input; }
 
 void xml_base_reader_c::step_back() {}
 
 void xml_base_reader_c::reset() {
-    std::memset(_buffer, 0, static_cast<std::size_t>(_buffer_size));
+    std::memset(_buffer.get(), 0, static_cast<std::size_t>(_buffer_size));
     _cursor = 0;
     _drop_window();
 }
@@ -78,10 +78,9 @@ void xml_base_reader_c::_enlarge_buffer() {
 void xml_base_reader_c::_reserve(std::uint64_t size) {
     if (size <= _capacity) return;
     std::uint64_t capacity = std::max(size, _capacity * 2);
-    char* grown = new char[capacity]();
-    if (_buffer) std::memcpy(grown, _buffer, static_cast<std::size_t>(_buffer_size));
-    delete[] _buffer;
-    _buffer = grown;
+    std::unique_ptr<char[]> grown(new char[capacity]());
+    if (_buffer) std::memcpy(grown.get(), _buffer.get(), static_cast<std::size_t>(_buffer_size));
+    _buffer = std::move(grown);
     _capacity = capacity;
 }
 
@@ -99,14 +98,14 @@ void xml_base_reader_c::_store_tag_bytes(const unsigned char* bytes, std::uint64
         _reserve(size);
         _buffer_size = size;
     }
-    char* out = _buffer + _cursor;
+    char* out = _buffer.get() + _cursor;
     for (const unsigned char* p = bytes; p < end;) {
         const unsigned char* stop = line_ends ? next_line_end(p, end) : end;
         std::memcpy(out, p, static_cast<std::size_t>(stop - p));
         out += stop - p;
         p = stop + (stop < end ? 1 : 0);
     }
-    _cursor = static_cast<std::uint64_t>(out - _buffer);
+    _cursor = static_cast<std::uint64_t>(out - _buffer.get());
 }
 
 // Consumes the input up to and with the next `c`; the bytes before it go into the tag when
@@ -170,9 +169,9 @@ char* xml_base_reader_c::_get_word(char delimiter, bool skip_spaces, bool quoted
     std::uint64_t end = begin;
     if (!stop_at_space && delimiter) {
         // Nothing stops the scan but the delimiter and the end of the text.
-        const char* found = std::strchr(_buffer + begin, delimiter);
+        const char* found = std::strchr(_buffer.get() + begin, delimiter);
         if (!found) return nullptr;
-        end = static_cast<std::uint64_t>(found - _buffer);
+        end = static_cast<std::uint64_t>(found - _buffer.get());
     }
     if (stop_at_space) {
         // The delimiter ends the word; white space or the end of the text before it fail.
@@ -190,7 +189,7 @@ char* xml_base_reader_c::_get_word(char delimiter, bool skip_spaces, bool quoted
         _buffer[_cursor] = 0;
         ++_cursor;
     }
-    return _buffer + begin;
+    return _buffer.get() + begin;
 }
 
 bool xml_base_reader_c::read_declaration() {
@@ -248,7 +247,7 @@ bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool 
                                   frame_s& opened) {
     opened = frame_s{};
     if (_is_tag_end() && !_read_tag()) return false;
-    char* text = _buffer;
+    char* text = _buffer.get();
 
     if (text[0] == '!' && text[1] == '-' && text[2] == '-') {
         std::size_t length = std::strlen(text);
@@ -348,16 +347,13 @@ thread_local std::unique_ptr<unsigned char[]> spare_window;
 
 xml_file_reader_c::~xml_file_reader_c() {
     xml_file_reader_c::reset();
-    if (_window && !spare_window)
-        spare_window.reset(_window);
-    else
-        delete[] _window;
+    if (_window && !spare_window) spare_window = std::move(_window);
 }
 
 unsigned char xml_file_reader_c::next_char() { return _take(); }
 
 void xml_file_reader_c::step_back() {
-    if (_in && _in > _window) --_in;
+    if (_in && _in > _window.get()) --_in;
 }
 
 void xml_file_reader_c::reset() {
@@ -379,14 +375,15 @@ bool xml_file_reader_c::open_xml(const char* path) {
 bool xml_file_reader_c::_fill() {
     if (!_file.is_open()) return false;
     if (!_window) {
-        _window = spare_window ? spare_window.release() : new unsigned char[window_size + 1];
+        _window = spare_window ? std::move(spare_window)
+                               : std::make_unique_for_overwrite<unsigned char[]>(window_size + 1);
         _window[0] = 0;
-    } else if (_in_end > _window) {
+    } else if (_in_end > _window.get()) {
         _window[0] = _in_end[-1];
     }
-    std::int64_t n = _file.read(_window + 1, static_cast<std::int64_t>(window_size));
+    std::int64_t n = _file.read(_window.get() + 1, static_cast<std::int64_t>(window_size));
     if (n <= 0) return false;
-    _in = _window + 1;
+    _in = _window.get() + 1;
     _in_end = _in + n;
     return true;
 }
@@ -402,16 +399,16 @@ xml_stream_reader_c::~xml_stream_reader_c() { xml_stream_reader_c::reset(); }
 void xml_stream_reader_c::set_text(const char* text, std::uint64_t length) {
     reset();
     if (!text) return;
-    _text = new char[length + 1];
-    std::memcpy(_text, text, static_cast<std::size_t>(length));
+    _text = std::make_unique_for_overwrite<char[]>(length + 1);
+    std::memcpy(_text.get(), text, static_cast<std::size_t>(length));
     _text[length] = 0;
     _length = length;
-    _in = reinterpret_cast<const unsigned char*>(_text);
+    _in = reinterpret_cast<const unsigned char*>(_text.get());
     _in_end = _in + length;
 }
 
 std::uint64_t xml_stream_reader_c::get_position() const {
-    return _text ? static_cast<std::uint64_t>(reinterpret_cast<const char*>(_in) - _text) : 0;
+    return _text ? static_cast<std::uint64_t>(reinterpret_cast<const char*>(_in) - _text.get()) : 0;
 }
 
 unsigned char xml_stream_reader_c::next_char() {
@@ -426,8 +423,7 @@ void xml_stream_reader_c::step_back() {
 
 void xml_stream_reader_c::reset() {
     xml_base_reader_c::reset();
-    delete[] _text;
-    _text = nullptr;
+    _text.reset();
     _length = 0;
 }
 

@@ -11,6 +11,7 @@
 #include "xml/xml_translator.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 class xml_document_c;
@@ -67,7 +68,7 @@ class xml_base_reader_c {
     void _enlarge_buffer();
 
     void set_document(xml_document_c* doc) { document = doc; }
-    const char* get_buffer() const { return _buffer; }
+    const char* get_buffer() const { return _buffer.get(); }
     std::uint64_t get_buffer_size() const { return _buffer_size; }
     std::uint64_t get_cursor() const { return _cursor; }
 
@@ -130,7 +131,7 @@ class xml_base_reader_c {
     // Makes room for `size` cells without changing the buffer's size.
     void _reserve(std::uint64_t size);
 
-    char* _buffer = nullptr;
+    std::unique_ptr<char[]> _buffer;
     std::uint64_t _buffer_size = 0;
     std::uint64_t _capacity = 0;
     std::uint64_t _cursor = 0;
@@ -158,7 +159,7 @@ class xml_file_reader_c : public xml_base_reader_c {
   private:
     FILE_c _file;
     // One byte of the previous window is kept in front of the new one, for step_back.
-    unsigned char* _window = nullptr;
+    std::unique_ptr<unsigned char[]> _window;
 };
 
 class xml_stream_reader_c : public xml_base_reader_c {
@@ -181,6 +182,6 @@ class xml_stream_reader_c : public xml_base_reader_c {
     bool _fill() override;
 
   private:
-    char* _text = nullptr;
+    std::unique_ptr<char[]> _text;
     std::uint64_t _length = 0;
 };

@@ -31,11 +31,6 @@ inline bool same_text(const char* a, const char* b) {
     return std::strcmp(or_empty(a), or_empty(b)) == 0;
 }
 
-inline void replace_string(char*& field, const char* text) {
-    delete[] field;
-    field = text ? utl_n::str_copy(text, false) : nullptr;
-}
-
 // The preorder successor of `node` inside the subtree of `top`, or null when the walk is over.
 template <class T> T* next_in_preorder(T* node, const T* top) {
     if (node->first_child) return static_cast<T*>(node->first_child);
@@ -93,12 +88,7 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
     virtual void from_document(xml_document_c* doc) {
         xml_node_c* root = doc->get_root();
         if (!root) return;
-        T* item = from_node(root);
-        if (!this->attach(item, nullptr, true)) delete item;
-        if (doc->get_version()) xml_tree_n::replace_string(_version, doc->get_version());
-        if (doc->get_style_sheet())
-            xml_tree_n::replace_string(_style_sheet, doc->get_style_sheet());
-        if (doc->get_encoding()) xml_tree_n::replace_string(_encoding, doc->get_encoding());
+        _adopt_root(from_node(root), *doc);
     }
 
     // A new item for `node` and one for each node below it.
@@ -285,9 +275,9 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
     const char* get_version() const { return _version; }
     const char* get_encoding() const { return _encoding; }
     const char* get_style_sheet() const { return _style_sheet; }
-    void set_version(const char* text) { xml_tree_n::replace_string(_version, text); }
-    void set_encoding(const char* text) { xml_tree_n::replace_string(_encoding, text); }
-    void set_style_sheet(const char* text) { xml_tree_n::replace_string(_style_sheet, text); }
+    void set_version(const char* text) { utl_n::str_replace_copy(_version, text); }
+    void set_encoding(const char* text) { utl_n::str_replace_copy(_encoding, text); }
+    void set_style_sheet(const char* text) { utl_n::str_replace_copy(_style_sheet, text); }
 
   protected:
     // Whether load and load_from_str build the items straight from the reader, as from_node
@@ -394,12 +384,16 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
 
     // What from_document does with a document's root, for a root built straight from the reader.
     void _take_root(xml_document_c& doc, item_builder_c& builder) {
-        T* item = std::exchange(builder.root, nullptr);
-        if (!item) return;
+        if (T* item = std::exchange(builder.root, nullptr)) _adopt_root(item, doc);
+    }
+
+    // The item becomes the root (a tree that has one keeps it, and the item is dropped), and the
+    // document's declaration values become the tree's.
+    void _adopt_root(T* item, xml_document_c& doc) {
         if (!this->attach(item, nullptr, true)) delete item;
-        if (doc.get_version()) xml_tree_n::replace_string(_version, doc.get_version());
-        if (doc.get_style_sheet()) xml_tree_n::replace_string(_style_sheet, doc.get_style_sheet());
-        if (doc.get_encoding()) xml_tree_n::replace_string(_encoding, doc.get_encoding());
+        if (doc.get_version()) utl_n::str_replace_copy(_version, doc.get_version());
+        if (doc.get_style_sheet()) utl_n::str_replace_copy(_style_sheet, doc.get_style_sheet());
+        if (doc.get_encoding()) utl_n::str_replace_copy(_encoding, doc.get_encoding());
     }
 
     // The item of one node, without its children.
