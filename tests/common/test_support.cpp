@@ -8,10 +8,17 @@
 #include "utl/utl.h"
 
 #include <atomic>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <vector>
+
+#if !defined(_WIN32)
+#include <sys/xattr.h>
+#endif
 
 namespace fs = std::filesystem;
 
@@ -151,5 +158,29 @@ std::size_t count_of(const std::string& haystack, const std::string& needle) {
 }
 
 int open_handle_count() { return open_handle_counter()->value(); }
+
+unsigned long attributes_of(const std::string& utf8_path) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(utf8_path.c_str(), wide.data(), true);
+    return os::GetFileAttributesW(wide.data());
+}
+
+bool set_attributes(const std::string& utf8_path, unsigned long attributes) {
+    std::vector<os::wide_char> wide(path_n::path_buffer_size);
+    path_n::path_to_wide_char_path(utf8_path.c_str(), wide.data(), true);
+    return os::SetFileAttributesW(wide.data(), static_cast<os::DWORD>(attributes)) != 0;
+}
+
+int stored_hidden_bit(const std::string& utf8_path) {
+#if defined(_WIN32)
+    (void)utf8_path;
+    return -1;
+#else
+    char value[64] = {};
+    ssize_t n = getxattr(utf8_path.c_str(), "user.DOSATTRIB", value, sizeof value - 1);
+    if (n <= 0) return 0;
+    return (std::strtoul(value, nullptr, 0) & os::FILE_ATTRIBUTE_HIDDEN) ? 1 : 0;
+#endif
+}
 
 } // namespace test_support

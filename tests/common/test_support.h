@@ -77,6 +77,15 @@ std::string short_form(const std::string& path);
 // unchanged.
 bool long_names_resolve_with_prefix(const std::string& short_path);
 
+// The attribute word of a path as the system gives it (GetFileAttributesW), and a new one.
+unsigned long attributes_of(const std::string& utf8_path);
+bool set_attributes(const std::string& utf8_path, unsigned long attributes);
+
+// Whether the hidden bit is stored for the path: on POSIX in its extended attribute
+// "user.DOSATTRIB", which a dot-name does not need to read as hidden. -1 where the test cannot
+// see what is stored (the Windows build, where the system answers for the stored bits itself).
+int stored_hidden_bit(const std::string& utf8_path);
+
 // The value of the process-wide counter of open handles (the test main has started the library).
 int open_handle_count();
 

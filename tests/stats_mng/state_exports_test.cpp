@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -208,5 +209,32 @@ TEST_F(state_exports, paths_of_4095_and_5000_bytes) {
         EXPECT_FALSE(library.get_scenario_state_index(path.c_str(), &index)) << length;
         EXPECT_EQ(index, 3u) << length;
         EXPECT_FALSE(library.is_sync_replicated(path.c_str())) << length;
+    }
+}
+
+// The spellings an engine may pass for one scenario directory: backslashes, a trailing
+// separator and the long-path prefix all name the same state files, for every state word and
+// flag those files can hold.
+TEST_F(state_exports, every_spelling_of_the_path_gives_the_answers_of_its_state_file) {
+    std::string plain = scenario;
+    std::replace(plain.begin(), plain.end(), '\\', '/');
+    std::string backslashed = plain;
+    std::replace(backslashed.begin(), backslashed.end(), '/', '\\');
+    const std::string spellings[] = {plain, backslashed, backslashed + "\\", plain + "/",
+                                     "\\\\?\\" + backslashed};
+    const char* words[] = {"Running", "Stop", "Sync", "Paused"};
+    for (unsigned word = 0; word < 4; ++word) {
+        for (bool sync : {true, false}) {
+            write_own(state(words[word], sync, 10));
+            for (const std::string& spelling : spellings) {
+                SCOPED_TRACE(std::string(words[word]) + (sync ? " synchronised, " : " not, ") +
+                             spelling);
+                unsigned index = 77;
+                EXPECT_TRUE(library.get_scenario_state_index(spelling.c_str(), &index));
+                EXPECT_EQ(index, word);
+                EXPECT_EQ(library.is_sync_replicated(spelling.c_str()), sync);
+                EXPECT_FALSE(library.is_engine_active_for_scenario(spelling.c_str()));
+            }
+        }
     }
 }

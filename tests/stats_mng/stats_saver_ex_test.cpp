@@ -20,6 +20,10 @@ using test_support::trace_capture_c;
 using test_support::trace_line;
 using test_support::write_file;
 
+using test_support::attributes_of;
+using test_support::set_attributes;
+using test_support::stored_hidden_bit;
+
 namespace {
 
 std::string state_file(const std::string& state, bool sync, long long time) {
@@ -27,18 +31,6 @@ std::string state_file(const std::string& state, bool sync, long long time) {
            "ScenarioName=\"s\" State=\"" +
            state + "\" IsSyncReplicated=\"" + (sync ? "True" : "False") +
            "\" IsSyncReplicatedTime=\"" + std::to_string(time) + "\"/>\n</stats_saver>\n";
-}
-
-os::DWORD attributes_of(const std::string& path) {
-    std::vector<os::wide_char> wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(path.c_str(), wide.data(), true);
-    return os::GetFileAttributesW(wide.data());
-}
-
-bool set_attributes(const std::string& path, os::DWORD attributes) {
-    std::vector<os::wide_char> wide(path_n::path_buffer_size);
-    path_n::path_to_wide_char_path(path.c_str(), wide.data(), true);
-    return os::SetFileAttributesW(wide.data(), attributes);
 }
 
 class state_files : public ::testing::Test {
