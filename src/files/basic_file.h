@@ -79,7 +79,7 @@ class basic_file_c {
     };
 
     // An error of this class: a record with neither a handle nor a stream.
-    static constexpr std::uint32_t no_file_error = 9;
+    static constexpr std::uint32_t no_file_error = os::ERROR_INVALID_BLOCK;
 
     basic_file_c() = default;
     virtual ~basic_file_c();
