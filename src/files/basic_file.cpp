@@ -68,9 +68,8 @@ std::int64_t stream_transfer(file_handle_s& record, void* buffer, std::int64_t c
     std::size_t moved = writing ? std::fwrite(buffer, 1, n, record.stream)
                                 : std::fread(buffer, 1, n, record.stream);
     if (moved < n && std::ferror(record.stream)) {
-        // The C runtime's errno tells what went wrong.
-        int why = os::crt_errno();
-        record.last_error = static_cast<std::uint32_t>(why ? why : 1);
+        // The stream's error flag, not errno: last_error never holds an errno value.
+        record.last_error = static_cast<std::uint32_t>(std::ferror(record.stream));
         std::clearerr(record.stream);
         return 0;
     }
@@ -253,6 +252,7 @@ bool basic_file_c::aio_wait(aio_request_s& request) {
     return result == 0;
 }
 
+// True in all cases, deliberately: what the system says of the flush is not passed on.
 bool basic_file_c::flush() {
     if (file && file->handle) os::FlushFileBuffers(file->handle);
     if (file && file->stream) std::fflush(file->stream);
@@ -295,6 +295,7 @@ bool basic_file_c::close() {
     if (record->stream && !is_standard_output(*record) && std::fclose(record->stream) != 0)
         result = 1;
     delete record;
+    // A failed close leaves the count of open handles as it was, on purpose.
     if (result != 0) return false;
     count_closed();
     return true;

@@ -29,6 +29,7 @@ inline constexpr unsigned raw_handle = 0x200;
 struct file_handle_s {
     std::uint32_t flags = 0;
     std::uint64_t position = 0;
+    // A Win32 error; on a C stream the stream's error flag (ferror) instead, the C runtime's own.
     std::uint32_t last_error = 0;
     os::HANDLE handle = nullptr; // null when a C stream holds the file
     os::HANDLE read_event = nullptr;
@@ -79,7 +80,7 @@ class basic_file_c {
     };
 
     // An error of this class: a record with neither a handle nor a stream.
-    static constexpr std::uint32_t no_file_error = 9;
+    static constexpr std::uint32_t no_file_error = os::ERROR_INVALID_BLOCK;
 
     basic_file_c() = default;
     virtual ~basic_file_c();

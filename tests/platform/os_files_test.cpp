@@ -194,6 +194,26 @@ TEST_F(os_files_test, closing_a_null_handle_fails_with_invalid_handle) {
     EXPECT_EQ(os::GetLastError(), os::ERROR_INVALID_HANDLE);
 }
 
+TEST_F(os_files_test, closing_a_handle_twice_fails_the_second_time_with_invalid_handle) {
+    os::HANDLE h = open(file, os::GENERIC_READ, os::OPEN_EXISTING);
+    ASSERT_NE(h, os::INVALID_HANDLE_VALUE) << "error " << os::GetLastError();
+    EXPECT_NE(os::CloseHandle(h), 0);
+    os::SetLastError(0);
+    EXPECT_EQ(os::CloseHandle(h), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_INVALID_HANDLE);
+}
+
+TEST_F(os_files_test, reading_through_a_closed_handle_fails_with_invalid_handle) {
+    os::HANDLE h = open(file, os::GENERIC_READ, os::OPEN_EXISTING);
+    ASSERT_NE(h, os::INVALID_HANDLE_VALUE) << "error " << os::GetLastError();
+    EXPECT_NE(os::CloseHandle(h), 0);
+    char buffer[4] = {};
+    os::DWORD done = 99;
+    os::SetLastError(0);
+    EXPECT_EQ(os::ReadFile(h, buffer, sizeof buffer, &done, nullptr), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_INVALID_HANDLE);
+}
+
 // ---- GetLongPathNameW
 
 TEST_F(os_files_test, long_path_name_reports_the_size_it_needs_and_then_fills_the_buffer) {

@@ -42,7 +42,13 @@ struct handle_s {
     bool event_signalled = false;
 };
 
-// The record behind a handle, or null (and ERROR_INVALID_HANDLE) for an invalid one.
+// A new record, known as a live handle until free_handle (or CloseHandle) forgets and frees it.
+handle_s* new_handle();
+void free_handle(handle_s* record);
+// The record behind a live handle, or null for a handle that is not (or no longer) one; the
+// memory of a closed handle is never read.
+handle_s* find_handle(HANDLE handle);
+// As find_handle, and ERROR_INVALID_HANDLE for an invalid one.
 handle_s* handle_of(HANDLE handle);
 
 // The kinds of access that take part in sharing.
