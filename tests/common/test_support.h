@@ -89,6 +89,23 @@ int stored_hidden_bit(const std::string& utf8_path);
 // The value of the process-wide counter of open handles (the test main has started the library).
 int open_handle_count();
 
+// Puts `replacement` in the place of one entry of the POSIX system-call table
+// (os::posix::syscalls()) for the lifetime of the object, so that a test can make the system
+// answer what no machine here has: a CD-ROM, a network drive, a full disk.
+template <typename Call> class replaced_syscall_c {
+  public:
+    replaced_syscall_c(Call& entry, Call replacement) : _entry(entry), _saved(entry) {
+        _entry = replacement;
+    }
+    ~replaced_syscall_c() { _entry = _saved; }
+    replaced_syscall_c(const replaced_syscall_c&) = delete;
+    replaced_syscall_c& operator=(const replaced_syscall_c&) = delete;
+
+  private:
+    Call& _entry;
+    Call _saved;
+};
+
 // Number of times `needle` stands in `haystack`.
 std::size_t count_of(const std::string& haystack, const std::string& needle);
 

@@ -439,12 +439,70 @@ TEST_F(DriveList, BadPathsAreUnknownAndNotKept) {
     EXPECT_EQ(file_system_info_n::common_fs_code(), fs_unknown);
 }
 
+#if !defined(_WIN32)
+// The drive types of POSIX come from the file system's magic number (statfs); a fake statfs
+// gives every path the file system `faked_magic` and counts the calls.
+long faked_magic = 0;
+int statfs_calls = 0;
+// Every name is a mounted file system here, drive letters included.
+int fake_statfs(const char*, struct statfs* result) {
+    ++statfs_calls;
+    *result = {};
+    result->f_type = faked_magic;
+    result->f_bsize = 4096;
+    result->f_namelen = 255;
+    return 0;
+}
+#endif
+
 TEST_F(DriveList, CdromDriveIsNotKept) {
-    GTEST_SKIP() << "no CD-ROM drive exists on the systems that run these tests";
+#if defined(_WIN32)
+    GTEST_SKIP() << "no CD-ROM drive exists on the systems that run these tests, and the Windows "
+                    "build cannot make the system report one";
+#else
+    faked_magic = 0x9660; // ISO 9660
+    statfs_calls = 0;
+    test_support::replaced_syscall_c fake(os::posix::syscalls().statfs, &fake_statfs);
+    install();
+    const char* path = "D:/disc/file.txt";
+    ASSERT_EQ(os::GetDriveTypeW(u"D:\\"), os::DRIVE_CDROM);
+    statfs_calls = 0;
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(path), fs_unknown);
+    EXPECT_EQ(count_of_items(*list), 0u);
+    int first = statfs_calls;
+    EXPECT_GE(first, 1);
+    // Not kept, so asked again each time.
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(path), fs_unknown);
+    EXPECT_FALSE(file_system_info_n::drive_supports_compression(path));
+    EXPECT_EQ(count_of_items(*list), 0u);
+    EXPECT_EQ(statfs_calls, 3 * first);
+#endif
 }
 
 TEST_F(DriveList, NetworkDriveGetsACodeButNoVolumeOrDeviceName) {
-    GTEST_SKIP() << "no network drive exists on the systems that run these tests";
+#if defined(_WIN32)
+    GTEST_SKIP() << "no network drive exists on the systems that run these tests, and the "
+                    "Windows build cannot make the system report one";
+#else
+    faked_magic = 0x6969; // NFS
+    test_support::replaced_syscall_c fake(os::posix::syscalls().statfs, &fake_statfs);
+    install();
+    const char* path = "N:/share/file.txt";
+    ASSERT_EQ(os::GetDriveTypeW(u"N:\\"), os::DRIVE_REMOTE);
+    std::uint32_t code = file_system_info_n::drive_file_system_code(path);
+    ASSERT_EQ(count_of_items(*list), 1u);
+    const auto* drive = static_cast<const drive_info_c*>(list->first());
+    EXPECT_EQ(drive->drive_type, os::DRIVE_REMOTE);
+    EXPECT_NE(drive->fs_code, fs_unknown);
+    EXPECT_EQ(code, drive->fs_code);
+    EXPECT_EQ(drive->volume_name, nullptr);
+    EXPECT_EQ(drive->device_name, nullptr);
+    // Kept: the next question is answered from the list.
+    statfs_calls = 0;
+    EXPECT_EQ(file_system_info_n::drive_file_system_code(path), code);
+    EXPECT_EQ(statfs_calls, 0);
+    EXPECT_EQ(count_of_items(*list), 1u);
+#endif
 }
 
 TEST(DriveInfo, NewItemKnowsNothing) {
