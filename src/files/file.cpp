@@ -195,7 +195,7 @@ void path_n::wide_char_path_to_path(const wide_char* src, char* dst) {
 
 // On POSIX there are no short names: GetLongPathNameW gives the name back and this is false.
 bool path_n::is_short_name(const char* path) {
-    if (!path) return false;
+    if (!path || !os::has_short_names) return false;
     wide_char given[path_buffer_size];
     wide_char long_form[path_buffer_size];
     path_to_wide_char_path(path, given, true);

@@ -4,6 +4,8 @@
 #include "files/qv_io_api_createfile.h"
 #include "support/trc.h"
 
+#include <cstring>
+
 namespace {
 constexpr const char* source = "file_modif";
 constexpr std::uint32_t default_sector = 512;
@@ -22,7 +24,14 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
                  new_path);
         return false;
     }
+    _forget_system_position();
+    _last_transfer = transfer_t::none;
     if (!basic_file_c::open(new_path, mode, transaction, open_flags)) return false;
+    // Every open starts at 0 but one for appending, which the system may place at the end.
+    if (mode && !std::strchr(mode, 'a')) {
+        _system_position = 0;
+        _system_position_known = true;
+    }
     // The cluster size of the drive, or 512 where its sector size can't be found.
     unsigned cluster = 0;
     unsigned sector = file_manipulation_n::bytes_per_sector(new_path, &cluster);
@@ -32,13 +41,24 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
 
 bool FILE_c::mknod() { return true; }
 
-bool FILE_c::_place() {
+// The tell and seek of the system are skipped where the system's position is known to be this
+// object's already and the transfer goes the same way as the last one: the answer and the
+// transfer are the same, without two calls.
+bool FILE_c::_place(bool for_reading) {
+    transfer_t kind = for_reading ? transfer_t::read : transfer_t::write;
+    bool same_way = _last_transfer == transfer_t::none || _last_transfer == kind;
+    _last_transfer = kind;
+    if (same_way && _system_position_known && _system_position == position) return true;
+    _forget_system_position();
     std::int64_t at = basic_file_c::tell();
     if (at == -1) {
         position = static_cast<std::uint64_t>(-1);
         return true;
     }
-    return basic_file_c::seek(static_cast<std::int64_t>(position));
+    if (!basic_file_c::seek(static_cast<std::int64_t>(position))) return false;
+    _system_position = position;
+    _system_position_known = true;
+    return true;
 }
 
 std::int64_t FILE_c::read(void* buffer, std::int64_t count) {
@@ -46,9 +66,9 @@ std::int64_t FILE_c::read(void* buffer, std::int64_t count) {
         error = closed_file_error;
         return -1;
     }
-    if (!_place()) return -1;
+    if (!_place(true)) return -1;
     std::int64_t moved = basic_file_c::read(buffer, count);
-    if (moved != -1) position += static_cast<std::uint64_t>(moved);
+    _note_transfer(moved);
     return moved;
 }
 
@@ -57,9 +77,9 @@ std::int64_t FILE_c::write(const void* buffer, std::int64_t count) {
         error = closed_file_error;
         return -1;
     }
-    if (!_place()) return -1;
+    if (!_place(false)) return -1;
     std::int64_t moved = basic_file_c::write(buffer, count);
-    if (moved != -1) position += static_cast<std::uint64_t>(moved);
+    _note_transfer(moved);
     return moved;
 }
 
@@ -73,14 +93,29 @@ bool FILE_c::seek(std::int64_t new_position) {
     return true;
 }
 
+void FILE_c::_note_transfer(std::int64_t moved) {
+    if (moved == -1) {
+        _forget_system_position();
+        return;
+    }
+    position += static_cast<std::uint64_t>(moved);
+    // Known before the transfer (placed or kept), so known after it.
+    if (_system_position_known) _system_position = position;
+}
+
 bool FILE_c::close() {
+    _forget_system_position();
     if (!is_open()) return false;
     return basic_file_c::close();
 }
 
 bool FILE_c::truncate(std::int64_t size) {
+    _forget_system_position();
     if (!is_open()) return basic_file_c::truncate(path.c_str(), size);
     return basic_file_c::truncate(size);
 }
 
-std::int64_t FILE_c::size() { return basic_file_c::size(); }
+std::int64_t FILE_c::size() {
+    _forget_system_position();
+    return basic_file_c::size();
+}

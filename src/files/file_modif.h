@@ -31,5 +31,15 @@ class FILE_c : public basic_file_c {
 
   private:
     // Puts the system's position where this object's is; false when that fails.
-    bool _place();
+    bool _place(bool for_reading);
+    // The system's position when this object knows it: after an open that starts at 0 and after
+    // each transfer of its own. Another kind of call forgets it, and the next transfer asks.
+    void _forget_system_position() { _system_position_known = false; }
+    // Moves this object's position by a transfer's result and notes where the system stands.
+    void _note_transfer(std::int64_t moved);
+
+    std::uint64_t _system_position = 0;
+    bool _system_position_known = false;
+    // A C stream must be placed between a write and a read, whatever it knows.
+    enum class transfer_t { none, read, write } _last_transfer = transfer_t::none;
 };

@@ -201,6 +201,13 @@ int _strnicmp(const char* a, const char* b, std::size_t count);
 HANDLE CreateFileW(const wide_char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                    DWORD disposition, DWORD flags_and_attributes, HANDLE template_file);
 BOOL CloseHandle(HANDLE handle);
+// Whether the system gives objects a second, short name. Where it does not, no name is a short
+// one and nobody needs to ask the system about it.
+#if defined(_WIN32)
+inline constexpr bool has_short_names = true;
+#else
+inline constexpr bool has_short_names = false;
+#endif
 DWORD GetLongPathNameW(const wide_char* short_path, wide_char* long_path, DWORD length);
 DWORD GetShortPathNameW(const wide_char* long_path, wide_char* short_path, DWORD length);
 BOOL GetVolumePathNameW(const wide_char* path, wide_char* volume_path, DWORD length);
