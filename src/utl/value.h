@@ -5,6 +5,7 @@
 
 #include "utl/utl_stream.h"
 
+#include <cstddef>
 #include <cstdint>
 
 class ptr_list_c;
@@ -104,6 +105,10 @@ class labeled_value_c : public value_c {
     labeled_value_c(const labeled_value_c& other);
     labeled_value_c& operator=(const labeled_value_c& other);
     ~labeled_value_c() override;
+
+    // Attributes are cells of the current pool (utl/cell_pool.h) while a document loads.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* cell);
 
     const char* get_label() const { return _label; }
     // Same label, and the same text form (or, for an undefined side, the same tag).
