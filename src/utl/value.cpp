@@ -76,7 +76,11 @@ void value_c::set_text(const char* text) {
         if (_text) _text[0] = 0;
         return;
     }
-    std::size_t need = std::strlen(text) + 1;
+    _set_text_bytes(text, std::strlen(text));
+}
+
+void value_c::_set_text_bytes(const char* text, std::size_t length) {
+    std::size_t need = length + 1;
     if (_capacity < need) {
         char* block = need <= sizeof _inline_text ? _inline_text
                                                   : static_cast<char*>(cell_pool_n::allocate(need));
@@ -275,6 +279,13 @@ labeled_value_c::labeled_value_c(const labeled_value_c& other) : value_c(other) 
     _assign_label(other._label);
 }
 
+labeled_value_c::labeled_value_c(std::string_view label, std::string_view text) {
+    _assign_label(label);
+    _set_text_bytes(text.data(), text.size());
+    _type = type_string;
+    _error = false;
+}
+
 labeled_value_c& labeled_value_c::operator=(const labeled_value_c& other) {
     if (this == &other) return *this;
     value_c::operator=(other);
@@ -292,11 +303,14 @@ labeled_value_c::~labeled_value_c() {
 
 // A null label is an empty one; a short label lives in the value itself.
 void labeled_value_c::_assign_label(const char* label) {
-    const char* text = label ? label : "";
-    std::size_t n = std::strlen(text) + 1;
+    _assign_label(std::string_view(label ? label : ""));
+}
+
+void labeled_value_c::_assign_label(std::string_view label) {
+    std::size_t n = label.size() + 1;
     char* block =
         n <= sizeof _inline_label ? _inline_label : static_cast<char*>(cell_pool_n::allocate(n));
-    std::memmove(block, text, n);
+    std::memmove(block, label.data(), n);
     if (_label && _label != _inline_label && _label != block) cell_pool_n::release(_label);
     _label = block;
 }

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 class ptr_list_c;
 
@@ -74,6 +75,8 @@ class value_c {
     void _set_signed(std::int64_t value);
     void _set_unsigned(std::uint64_t value);
     void _set_bool(bool value);
+    // set_text of the first `length` bytes of `text`, which are followed by a 0 byte.
+    void _set_text_bytes(const char* text, std::size_t length);
     // Text to number, for a string value: false (and the error) when the text is no number.
     bool _parse();
     // The number as signed 64 bits, within [low, high]; 0 and the error otherwise.
@@ -103,6 +106,9 @@ class labeled_value_c : public value_c {
     labeled_value_c(const char* label, unsigned long value);
     labeled_value_c(const char* label, unsigned long long value);
     labeled_value_c(const labeled_value_c& other);
+    // A string value: what the reader makes of an attribute, whose lengths it knows. Both views
+    // are of texts that end with a 0 byte behind them.
+    labeled_value_c(std::string_view label, std::string_view text);
     labeled_value_c& operator=(const labeled_value_c& other);
     ~labeled_value_c() override;
 
@@ -116,6 +122,7 @@ class labeled_value_c : public value_c {
 
   private:
     void _assign_label(const char* label);
+    void _assign_label(std::string_view label);
 
     char* _label = nullptr;
     char _inline_label[16];

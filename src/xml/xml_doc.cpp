@@ -46,8 +46,9 @@ void* xml_node_builder_c::open_element(const char* name, void* parent) {
     return nullptr;
 }
 
-void xml_node_builder_c::add_attribute(void* element, const char* name, const char* value) {
-    static_cast<xml_node_c*>(element)->add_attribute(name, value);
+void xml_node_builder_c::add_attribute(void* element, std::string_view name,
+                                       std::string_view value) {
+    static_cast<xml_node_c*>(element)->add_attribute(name.data(), value.data());
 }
 
 void xml_node_builder_c::set_text(void* element, const char* text) {
