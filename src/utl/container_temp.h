@@ -6,6 +6,7 @@
 
 #include "support/thl.h"
 #include "support/trc.h"
+#include "utl/cell_pool.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -42,7 +43,7 @@ template <class T> class array_ct {
 
     // Releases the cells without deleting the elements; the array is empty with capacity 0.
     virtual void free_memory() {
-        delete[] _data;
+        cell_pool_n::release(_data);
         _data = nullptr;
         _last = container_n::no_index;
         _capacity = 0;
@@ -206,7 +207,7 @@ template <class T> class array_ct {
     void reserve(std::uint64_t count, bool keep) {
         if (!keep) {
             if (count > _capacity) {
-                delete[] _data;
+                cell_pool_n::release(_data);
                 _data = _allocate(count);
                 _capacity = count;
             }
@@ -222,8 +223,11 @@ template <class T> class array_ct {
         return !is_empty() && index != container_n::no_index && index <= _last;
     }
 
+    // The cells are taken from the current pool while a document loads (utl/cell_pool.h).
     static T** _allocate(std::uint64_t count) {
-        return count ? new T*[static_cast<std::size_t>(count)] : nullptr;
+        if (!count) return nullptr;
+        return static_cast<T**>(
+            cell_pool_n::allocate(static_cast<std::size_t>(count) * sizeof(T*)));
     }
 
     void _zero(std::uint64_t from, std::uint64_t to) {
@@ -235,7 +239,7 @@ template <class T> class array_ct {
         T** cells = _allocate(count);
         std::uint64_t kept = _data ? _capacity : 0;
         for (std::uint64_t i = 0; i < count; ++i) cells[i] = i < kept ? _data[i] : nullptr;
-        delete[] _data;
+        cell_pool_n::release(_data);
         _data = cells;
         _capacity = count;
     }

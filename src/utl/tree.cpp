@@ -1,5 +1,7 @@
 #include "utl/tree.h"
 
+#include "utl/cell_pool.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -12,7 +14,7 @@ node_c::node_c(const char* node_name, std::uint64_t user_data) : data(user_data)
 
 node_c::~node_c() {
     tree_n::remove_descendants(this, [](node_c* child) { delete child; });
-    delete[] name;
+    cell_pool_n::release(name);
 }
 
 int node_c::compare(const node_c* other) const {
@@ -27,14 +29,14 @@ int node_c::compare(const node_c* other) const {
 void node_c::set_name(const char* node_name) {
     std::size_t size = node_name ? std::strlen(node_name) : 0;
     if (size == 0) {
-        delete[] name;
+        cell_pool_n::release(name);
         name = nullptr;
         return;
     }
     std::size_t held = name ? std::strlen(name) + 1 : 0;
     if (held < size + 1) {
-        delete[] name;
-        name = new char[size + 1];
+        cell_pool_n::release(name);
+        name = static_cast<char*>(cell_pool_n::allocate(size + 1));
     }
     std::memcpy(name, node_name, size + 1);
 }

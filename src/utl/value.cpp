@@ -1,6 +1,7 @@
 #include "utl/value.h"
 
 #include "support/thl.h"
+#include "utl/cell_pool.h"
 
 #include <atomic>
 #include <cstdio>
@@ -75,11 +76,16 @@ void value_c::set_text(const char* text) {
         if (_text) _text[0] = 0;
         return;
     }
-    std::size_t need = std::strlen(text) + 1;
+    _set_text_bytes(text, std::strlen(text));
+}
+
+void value_c::_set_text_bytes(const char* text, std::size_t length) {
+    std::size_t need = length + 1;
     if (_capacity < need) {
-        char* block = need <= sizeof _inline_text ? _inline_text : new char[need];
+        char* block = need <= sizeof _inline_text ? _inline_text
+                                                  : static_cast<char*>(cell_pool_n::allocate(need));
         std::memmove(block, text, need);
-        if (_text && _text != _inline_text && _text != block) delete[] _text;
+        if (_text && _text != _inline_text && _text != block) cell_pool_n::release(_text);
         _text = block;
         _capacity = need;
         return;
@@ -89,7 +95,7 @@ void value_c::set_text(const char* text) {
 }
 
 value_c::~value_c() {
-    if (_text != _inline_text) delete[] _text;
+    if (_text != _inline_text) cell_pool_n::release(_text);
 }
 
 void value_c::set_string(const char* text) {
@@ -273,6 +279,13 @@ labeled_value_c::labeled_value_c(const labeled_value_c& other) : value_c(other) 
     _assign_label(other._label);
 }
 
+labeled_value_c::labeled_value_c(std::string_view label, std::string_view text) {
+    _assign_label(label);
+    _set_text_bytes(text.data(), text.size());
+    _type = type_string;
+    _error = false;
+}
+
 labeled_value_c& labeled_value_c::operator=(const labeled_value_c& other) {
     if (this == &other) return *this;
     value_c::operator=(other);
@@ -280,17 +293,25 @@ labeled_value_c& labeled_value_c::operator=(const labeled_value_c& other) {
     return *this;
 }
 
+void* labeled_value_c::operator new(std::size_t size) { return cell_pool_n::allocate(size); }
+
+void labeled_value_c::operator delete(void* cell) { cell_pool_n::release(cell); }
+
 labeled_value_c::~labeled_value_c() {
-    if (_label != _inline_label) delete[] _label;
+    if (_label != _inline_label) cell_pool_n::release(_label);
 }
 
 // A null label is an empty one; a short label lives in the value itself.
 void labeled_value_c::_assign_label(const char* label) {
-    const char* text = label ? label : "";
-    std::size_t n = std::strlen(text) + 1;
-    char* block = n <= sizeof _inline_label ? _inline_label : new char[n];
-    std::memmove(block, text, n);
-    if (_label && _label != _inline_label && _label != block) delete[] _label;
+    _assign_label(std::string_view(label ? label : ""));
+}
+
+void labeled_value_c::_assign_label(std::string_view label) {
+    std::size_t n = label.size() + 1;
+    char* block =
+        n <= sizeof _inline_label ? _inline_label : static_cast<char*>(cell_pool_n::allocate(n));
+    std::memmove(block, label.data(), n);
+    if (_label && _label != _inline_label && _label != block) cell_pool_n::release(_label);
     _label = block;
 }
 

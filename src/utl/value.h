@@ -5,7 +5,9 @@
 
 #include "utl/utl_stream.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 class ptr_list_c;
 
@@ -73,6 +75,8 @@ class value_c {
     void _set_signed(std::int64_t value);
     void _set_unsigned(std::uint64_t value);
     void _set_bool(bool value);
+    // set_text of the first `length` bytes of `text`, which are followed by a 0 byte.
+    void _set_text_bytes(const char* text, std::size_t length);
     // Text to number, for a string value: false (and the error) when the text is no number.
     bool _parse();
     // The number as signed 64 bits, within [low, high]; 0 and the error otherwise.
@@ -102,8 +106,15 @@ class labeled_value_c : public value_c {
     labeled_value_c(const char* label, unsigned long value);
     labeled_value_c(const char* label, unsigned long long value);
     labeled_value_c(const labeled_value_c& other);
+    // A string value: what the reader makes of an attribute, whose lengths it knows. Both views
+    // are of texts that end with a 0 byte behind them.
+    labeled_value_c(std::string_view label, std::string_view text);
     labeled_value_c& operator=(const labeled_value_c& other);
     ~labeled_value_c() override;
+
+    // Attributes are cells of the current pool (utl/cell_pool.h) while a document loads.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* cell);
 
     const char* get_label() const { return _label; }
     // Same label, and the same text form (or, for an undefined side, the same tag).
@@ -111,6 +122,7 @@ class labeled_value_c : public value_c {
 
   private:
     void _assign_label(const char* label);
+    void _assign_label(std::string_view label);
 
     char* _label = nullptr;
     char _inline_label[16];

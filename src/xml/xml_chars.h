@@ -34,4 +34,10 @@ inline bool is_space_or_end(char c) { return table[static_cast<unsigned char>(c)
 inline bool is_name_start(char c) { return table[static_cast<unsigned char>(c)] & name_start; }
 inline bool is_name_char(char c) { return table[static_cast<unsigned char>(c)] & name_char; }
 
+// The first byte at or after `p` that is no name character (the ending 0 is none).
+template <class C> C* skip_name(C* p) {
+    while (is_name_char(*p)) ++p;
+    return p;
+}
+
 } // namespace xml_chars_n

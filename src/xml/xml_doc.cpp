@@ -1,6 +1,7 @@
 #include "xml/xml_doc.h"
 
 #include "support/trc.h"
+#include "utl/cell_pool.h"
 #include "utl/utl.h"
 #include "xml/xml_chars.h"
 #include "xml/xml_reader.h"
@@ -45,8 +46,9 @@ void* xml_node_builder_c::open_element(const char* name, void* parent) {
     return nullptr;
 }
 
-void xml_node_builder_c::add_attribute(void* element, const char* name, const char* value) {
-    static_cast<xml_node_c*>(element)->add_attribute(name, value);
+void xml_node_builder_c::add_attribute(void* element, std::string_view name,
+                                       std::string_view value) {
+    static_cast<xml_node_c*>(element)->add_attribute(name.data(), value.data());
 }
 
 void xml_node_builder_c::set_text(void* element, const char* text) {
@@ -67,6 +69,7 @@ const char* xml_node_builder_c::name_of(void* element) {
 
 bool xml_document_c::load(const char* path, xml_builder_i* builder) {
     QVTR_SCOPE(tr, "xml_document_c::load", source);
+    cell_pool_c pool;
     auto reader = std::make_unique<xml_file_reader_c>();
     if (!reader->open_xml(path)) return false;
     set_xml_file(path);
@@ -84,6 +87,7 @@ bool xml_document_c::load(const char* path, xml_builder_i* builder) {
 
 bool xml_document_c::load_from_str(const char* text, xml_builder_i* builder) {
     QVTR_SCOPE(tr, "xml_document_c::load_from_str", source);
+    cell_pool_c pool;
     xml_stream_reader_c reader;
     if (!text || !*text) return false;
     reader.set_text(text, std::strlen(text));

@@ -18,7 +18,7 @@ class xml_node_builder_c : public xml_builder_i {
   public:
     explicit xml_node_builder_c(xml_document_c* doc) : _doc(doc) {}
     void* open_element(const char* name, void* parent) override;
-    void add_attribute(void* element, const char* name, const char* value) override;
+    void add_attribute(void* element, std::string_view name, std::string_view value) override;
     void set_text(void* element, const char* text) override;
     void set_closed(void* element) override;
     const char* name_of(void* element) override;

@@ -1,5 +1,6 @@
 #include "xml/xml_item.h"
 
+#include "utl/cell_pool.h"
 #include "utl/utl.h"
 
 #include <cstring>
@@ -23,9 +24,9 @@ void xml_item_c::set_label(const char* item_label) {
         std::memmove(_inline_label, item_label, n);
         label = _inline_label;
     } else {
-        label = utl_n::str_copy(item_label, false);
+        label = cell_pool_n::copy_text(item_label);
     }
-    delete[] old;
+    cell_pool_n::release(old);
 }
 
 // Children are copied without recursion: a walk over the source's subtree in preorder, with the
@@ -58,9 +59,13 @@ xml_item_c::xml_item_c(const xml_item_c& source, bool deep) {
 xml_item_c::~xml_item_c() {
     for (std::uint64_t i = attributes.get_count(); i > 0; --i) delete attributes.at(i - 1);
     delete[] text;
-    if (label != _inline_label) delete[] label;
+    if (label != _inline_label) cell_pool_n::release(label);
     attributes.free_memory();
 }
+
+void* xml_item_c::operator new(std::size_t size) { return cell_pool_n::allocate(size); }
+
+void xml_item_c::operator delete(void* cell) { cell_pool_n::release(cell); }
 
 std::uint64_t xml_item_c::get_label_length() const { return std::strlen(label); }
 

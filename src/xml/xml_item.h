@@ -8,6 +8,7 @@
 #include "utl/utl_stream.h"
 #include "utl/value.h"
 
+#include <cstddef>
 #include <cstdint>
 
 class xml_item_c : public generic_node_c {
@@ -18,6 +19,10 @@ class xml_item_c : public generic_node_c {
     xml_item_c(const xml_item_c&) = delete;
     xml_item_c& operator=(const xml_item_c&) = delete;
     ~xml_item_c() override;
+
+    // Items are cells of the current pool (utl/cell_pool.h) while a document loads.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* cell);
 
     virtual std::uint64_t get_label_length() const;
     // Bytes needed to print the item, and with `recursive` its subtree.

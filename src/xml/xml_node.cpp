@@ -1,5 +1,6 @@
 #include "xml/xml_node.h"
 
+#include "utl/cell_pool.h"
 #include "utl/utl.h"
 #include "xml/xml_translator.h"
 
@@ -13,8 +14,8 @@ void replace_text(char*& field, const char* text) {
         std::strcpy(field, text);
         return;
     }
-    delete[] field;
-    field = utl_n::str_copy(text, false);
+    cell_pool_n::release(field);
+    field = cell_pool_n::copy_text(text);
 }
 
 void append_tabs(utl_stream_c& stream, std::uint64_t count) {
@@ -32,18 +33,21 @@ void append_tabs(utl_stream_c& stream, std::uint64_t count) {
 // ---- xml_attr_c
 
 xml_attr_c::xml_attr_c(const char* attr_name, const char* attr_value)
-    : name(attr_name ? utl_n::str_copy(attr_name, false) : nullptr),
-      value(attr_value ? utl_n::str_copy(attr_value, false) : nullptr) {}
+    : name(cell_pool_n::copy_text(attr_name)), value(cell_pool_n::copy_text(attr_value)) {}
 
 xml_attr_c::~xml_attr_c() {
-    delete[] name;
-    delete[] value;
+    cell_pool_n::release(name);
+    cell_pool_n::release(value);
 }
+
+void* xml_attr_c::operator new(std::size_t size) { return cell_pool_n::allocate(size); }
+
+void xml_attr_c::operator delete(void* cell) { cell_pool_n::release(cell); }
 
 void xml_attr_c::set_name(const char* attr_name) {
     if (!attr_name) {
-        delete[] name;
-        delete[] value;
+        cell_pool_n::release(name);
+        cell_pool_n::release(value);
         name = value = nullptr;
         return;
     }
@@ -52,7 +56,7 @@ void xml_attr_c::set_name(const char* attr_name) {
 
 void xml_attr_c::set_value(const char* attr_value) {
     if (!attr_value) {
-        delete[] value;
+        cell_pool_n::release(value);
         value = nullptr;
         return;
     }
@@ -72,6 +76,10 @@ void xml_attr_list_c::clear() {
 xml_node_c::xml_node_c(const char* node_name) : node_c(node_name) {}
 
 xml_node_c::~xml_node_c() { delete attributes; }
+
+void* xml_node_c::operator new(std::size_t size) { return cell_pool_n::allocate(size); }
+
+void xml_node_c::operator delete(void* cell) { cell_pool_n::release(cell); }
 
 void xml_node_c::assign(const xml_node_c& source) {
     text.append(utl_stream_c::clear_char);

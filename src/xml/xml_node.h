@@ -6,6 +6,7 @@
 #include "utl/tree.h"
 #include "utl/utl_stream.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // One attribute as it was read: two owned texts, each of which may be null.
@@ -15,6 +16,11 @@ class xml_attr_c {
     xml_attr_c(const xml_attr_c&) = delete;
     xml_attr_c& operator=(const xml_attr_c&) = delete;
     ~xml_attr_c();
+
+    // Records and their texts are cells of the current pool (utl/cell_pool.h) while a document
+    // loads.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* cell);
 
     // Null releases both texts; a text that fits is copied over the old one.
     void set_name(const char* attr_name);
@@ -41,6 +47,10 @@ class xml_node_c : public node_c {
 
     explicit xml_node_c(const char* node_name);
     ~xml_node_c() override;
+
+    // Nodes are cells of the current pool (utl/cell_pool.h) while a document loads.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* cell);
 
     // Name, closed flag, type and attributes of `source`, and its text for a text element;
     // not its children.

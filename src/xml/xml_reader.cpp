@@ -7,6 +7,7 @@
 #include "xml/xml_node.h"
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -18,23 +19,49 @@ constexpr const char* source = "xml_reader";
 
 bool is_line_end(unsigned char c) { return c == '\n' || c == '\r'; }
 
-// The first line feed or carriage return in [p, end), or end.
-const unsigned char* next_line_end(const unsigned char* p, const unsigned char* end) {
-    if (p == end) return end;
-    const void* lf = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
-    const unsigned char* limit = lf ? static_cast<const unsigned char*>(lf) : end;
-    const void* cr = std::memchr(p, '\r', static_cast<std::size_t>(limit - p));
-    return cr ? static_cast<const unsigned char*>(cr) : limit;
+// Tags are scanned eight bytes at a time: most of a document is tag text, and a call of memchr
+// for each stop byte and each tag costs more than the bytes themselves. A word's bytes are
+// taken in memory order (the targets are little-endian).
+using word_t = std::uint64_t;
+constexpr word_t ones = 0x0101010101010101ull;
+
+// The high bit of every byte of `w` that equals `c`; above such a byte a few more bits may be
+// set, so only the lowest bit of the result is to be trusted.
+word_t bytes_equal(word_t w, unsigned char c) {
+    word_t x = w ^ (ones * c);
+    return (x - ones) & ~x & (ones * 0x80);
 }
 
-// The first `c` or 0xFF in [p, end), or end.
-const unsigned char* find_or_end_mark(const unsigned char* p, const unsigned char* end,
-                                      unsigned char c) {
-    if (p == end) return end;
-    const void* found = std::memchr(p, c, static_cast<std::size_t>(end - p));
-    const unsigned char* limit = found ? static_cast<const unsigned char*>(found) : end;
-    const void* mark = std::memchr(p, 0xFF, static_cast<std::size_t>(limit - p));
-    return mark ? static_cast<const unsigned char*>(mark) : limit;
+// The first byte of [p, end) for which `is_stop` holds, or end; `stops(word)` marks such bytes
+// of a word as bytes_equal does.
+template <class Stops, class Is_stop>
+const unsigned char* find_stop(const unsigned char* p, const unsigned char* end, Stops stops,
+                               Is_stop is_stop) {
+    for (; end - p >= 8; p += 8) {
+        word_t w;
+        std::memcpy(&w, p, sizeof w);
+        if (word_t found = stops(w)) return p + std::countr_zero(found) / 8;
+    }
+    while (p < end && !is_stop(*p)) ++p;
+    return p;
+}
+
+// The first `<` or 0xFF in [p, end), or end.
+const unsigned char* find_tag_start(const unsigned char* p, const unsigned char* end) {
+    return find_stop(
+        p, end, [](word_t w) { return bytes_equal(w, '<') | bytes_equal(w, 0xFF); },
+        [](unsigned char c) { return c == '<' || c == 0xFF; });
+}
+
+// The first `>`, line end or 0xFF in [p, end), or end.
+const unsigned char* find_tag_stop(const unsigned char* p, const unsigned char* end) {
+    return find_stop(
+        p, end,
+        [](word_t w) {
+            return bytes_equal(w, '>') | bytes_equal(w, '\n') | bytes_equal(w, '\r') |
+                   bytes_equal(w, 0xFF);
+        },
+        [](unsigned char c) { return c == '>' || is_line_end(c) || c == 0xFF; });
 }
 
 // Removes white space at both ends of `text`, as the stream's trim does.
@@ -85,35 +112,27 @@ void xml_base_reader_c::_reserve(std::uint64_t size) {
 }
 
 // Every byte read is first checked against the buffer: at the last cell the buffer grows by
-// 512. The checks of a whole piece are made at once here, by the highest cursor any of them
-// sees, so that a long tag grows its buffer once per piece instead of once per 512 bytes.
-void xml_base_reader_c::_store_tag_bytes(const unsigned char* bytes, std::uint64_t count) {
-    const unsigned char* end = bytes + count;
-    std::uint64_t line_ends = 0;
-    for (const unsigned char* p = bytes; (p = next_line_end(p, end)) != end; ++p) ++line_ends;
-    std::uint64_t stored = count - line_ends;
-    std::uint64_t highest_check = _cursor + stored - (is_line_end(end[-1]) ? 0 : 1);
+// 512. The checks of a whole run are made at once here, by the highest cursor any of them sees,
+// so that a long tag grows its buffer once per run instead of once per 512 bytes. A line end
+// behind the run is checked at the cursor after it, and stores nothing that stays.
+void xml_base_reader_c::_store_run(const unsigned char* bytes, std::uint64_t count,
+                                   bool line_end_follows) {
+    if (count == 0 && !line_end_follows) return;
+    std::uint64_t highest_check = _cursor + count - (line_end_follows ? 0 : 1);
     if (highest_check >= _buffer_size - 1) {
         std::uint64_t size = (highest_check + 2 + buffer_step - 1) / buffer_step * buffer_step;
         _reserve(size);
         _buffer_size = size;
     }
-    char* out = _buffer.get() + _cursor;
-    for (const unsigned char* p = bytes; p < end;) {
-        const unsigned char* stop = line_ends ? next_line_end(p, end) : end;
-        std::memcpy(out, p, static_cast<std::size_t>(stop - p));
-        out += stop - p;
-        p = stop + (stop < end ? 1 : 0);
-    }
-    _cursor = static_cast<std::uint64_t>(out - _buffer.get());
+    std::memcpy(_buffer.get() + _cursor, bytes, static_cast<std::size_t>(count));
+    _cursor += count;
 }
 
-// Consumes the input up to and with the next `c`; the bytes before it go into the tag when
-// `keep` is set, and are dropped otherwise. False at the end of the input.
-bool xml_base_reader_c::_pass(unsigned char c, bool keep) {
+// Consumes the input up to and with the next `<`; what stands before it is dropped. False at
+// the end of the input.
+bool xml_base_reader_c::_pass_to_tag() {
     for (;;) {
-        const unsigned char* p = find_or_end_mark(_in, _in_end, c);
-        if (keep && p > _in) _store_tag_bytes(_in, static_cast<std::uint64_t>(p - _in));
+        const unsigned char* p = find_tag_start(_in, _in_end);
         _in = p;
         if (p < _in_end) {
             if (*p == end_of_input) {
@@ -130,12 +149,36 @@ bool xml_base_reader_c::_pass(unsigned char c, bool keep) {
     }
 }
 
+// Consumes the input up to and with the next `>`, storing what stands before it in the tag
+// without its line ends. False at the end of the input.
+bool xml_base_reader_c::_take_tag_text() {
+    for (;;) {
+        const unsigned char* p = find_tag_stop(_in, _in_end);
+        bool line_end = p < _in_end && is_line_end(*p);
+        _store_run(_in, static_cast<std::uint64_t>(p - _in), line_end);
+        _in = p;
+        if (p < _in_end) {
+            if (*p == end_of_input) {
+                _cut();
+                return false;
+            }
+            ++_in;
+            if (!line_end) return true;
+            continue;
+        }
+        if (_ended || !_fill()) {
+            _ended = true;
+            return false;
+        }
+    }
+}
+
 // Whatever stands before the `<` is skipped unseen. Line ends inside the tag vanish without a
 // trace, so they don't separate words; the tag ends at the first `>` wherever it stands.
 bool xml_base_reader_c::_read_tag() {
     _cursor = 0;
     _buffer[0] = 0;
-    if (!_pass('<', false) || !_pass('>', true)) return false;
+    if (!_pass_to_tag() || !_take_tag_text()) return false;
     _buffer[_cursor] = 0;
     _cursor = 0;
     return true;
@@ -143,7 +186,9 @@ bool xml_base_reader_c::_read_tag() {
 
 void xml_base_reader_c::_skip_spaces() {
     if (_cursor >= _buffer_size) return;
-    while (_buffer[_cursor] && xml_chars_n::is_space(_buffer[_cursor])) ++_cursor;
+    const char* p = _buffer.get() + _cursor;
+    while (xml_chars_n::is_space(*p)) ++p; // the ending 0 is no space
+    _cursor = static_cast<std::uint64_t>(p - _buffer.get());
 }
 
 // "^M" as two printable characters ends the tag too: what follows them is ignored.
@@ -243,6 +288,59 @@ void xml_base_reader_c::_collect_text() {
     }
 }
 
+// The element's name in the general way: the rest of the tag when it holds no white space,
+// else the word before the first space, else the word before the first tab.
+const char* xml_base_reader_c::_element_name() {
+    const char* name = _get_word(0, true, false);
+    if (!name) name = _get_word(' ', true, false);
+    if (!name) name = _get_word('\t', true, false);
+    if (!name || !xml_document_c::validate_xml_name(name)) return nullptr;
+    return name;
+}
+
+// The quick steps below read the common forms in one pass over the byte classes, and give the
+// outcome the general steps would give them; any other form makes them return null with the
+// cursor where it was, and the general steps take over.
+
+// A valid name that is the rest of the tag, or that a space or a tab ends.
+const char* xml_base_reader_c::_quick_element_name() {
+    _skip_spaces();
+    char* begin = _buffer.get() + _cursor;
+    if (!xml_chars_n::is_name_start(*begin)) return nullptr;
+    char* end = xml_chars_n::skip_name(begin);
+    if (*end != 0 && *end != ' ' && *end != '\t') return nullptr;
+    _cursor = static_cast<std::uint64_t>(end - _buffer.get());
+    if (*end) {
+        *end = 0;
+        ++_cursor;
+    }
+    return begin;
+}
+
+// A valid attribute name that `=` ends.
+const char* xml_base_reader_c::_quick_attribute_name() {
+    char* begin = _buffer.get() + _cursor;
+    if (!xml_chars_n::is_name_start(*begin)) return nullptr;
+    char* end = xml_chars_n::skip_name(begin);
+    if (*end != '=') return nullptr;
+    *end = 0;
+    _cursor = static_cast<std::uint64_t>(end + 1 - _buffer.get());
+    return begin;
+}
+
+// A quoted value right at the cursor; `has_reference` tells whether it holds a `&`.
+const char* xml_base_reader_c::_quick_value(bool& has_reference) {
+    char* begin = _buffer.get() + _cursor;
+    if (*begin != '"') return nullptr;
+    ++begin;
+    char* end = std::strchr(begin, '"');
+    if (!end) return nullptr;
+    has_reference = std::memchr(begin, '&', static_cast<std::size_t>(end - begin)) != nullptr;
+    *end = 0;
+    _cursor = static_cast<std::uint64_t>(end + 1 - _buffer.get());
+    return begin;
+}
+
 bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool skip_text,
                                   frame_s& opened) {
     opened = frame_s{};
@@ -274,23 +372,36 @@ bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool 
         text[length - 1] = 0;
         self_closed = true;
     }
-    const char* name = _get_word(0, true, false);
-    if (!name) name = _get_word(' ', true, false);
-    if (!name) name = _get_word('\t', true, false);
-    if (!name || !xml_document_c::validate_xml_name(name)) return false;
+    const char* name = _quick_element_name();
+    if (!name) name = _element_name();
+    if (!name) return false;
 
     void* element = builder.open_element(name, parent ? parent->element : nullptr);
     if (!element) return false;
     frame_s frame{element, false};
     while (!_is_tag_end()) {
-        const char* attr_name = _get_word('=', true, false);
-        if (!attr_name || !xml_document_c::validate_xml_name(attr_name)) return false;
-        const char* raw = _get_word('"', true, true);
+        const char* attr_name = _quick_attribute_name();
+        if (!attr_name) {
+            attr_name = _get_word('=', true, false);
+            if (!attr_name || !xml_document_c::validate_xml_name(attr_name)) return false;
+        }
+        // Both steps cut their word at the byte before the cursor.
+        std::string_view name_view(attr_name, _word_end() - attr_name);
+        bool has_reference = false;
+        const char* raw = _quick_value(has_reference);
+        if (!raw) {
+            raw = _get_word('"', true, true);
+            has_reference = raw && std::strchr(raw, '&');
+        }
         if (!raw) return false;
+        std::string_view value(raw, _word_end() - raw);
         // A value without `&` has no reference to decode and is taken as it stands.
-        const char* value = std::strchr(raw, '&') ? _translator.translate_from_xml(raw) : raw;
-        if (!value) return false;
-        builder.add_attribute(element, attr_name, value);
+        if (has_reference) {
+            const char* translated = _translator.translate_from_xml(raw);
+            if (!translated) return false;
+            value = translated;
+        }
+        builder.add_attribute(element, name_view, value);
     }
     if (!skip_text) {
         _collect_text();

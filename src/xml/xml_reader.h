@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 class xml_document_c;
 class xml_node_c;
@@ -24,7 +25,8 @@ class xml_builder_i {
     virtual ~xml_builder_i() = default;
     // A new element below `parent` (null at the top); null when the builder refuses it.
     virtual void* open_element(const char* name, void* parent) = 0;
-    virtual void add_attribute(void* element, const char* name, const char* value) = 0;
+    // Name and value are views of texts that end with a 0 byte behind them.
+    virtual void add_attribute(void* element, std::string_view name, std::string_view value) = 0;
     // The element's text, decoded; it makes the element one that holds text.
     virtual void set_text(void* element, const char* text) = 0;
     // The element is complete.
@@ -111,12 +113,13 @@ class xml_base_reader_c {
     bool _ended = false;
 
   private:
-    // Stores `count` bytes of tag text at the cursor, growing the buffer as it goes; line ends
-    // vanish.
-    void _store_tag_bytes(const unsigned char* bytes, std::uint64_t count);
-    // Consumes the input up to and with the next `c`, keeping what stands before it in the tag
-    // or dropping it; false at the end of the input.
-    bool _pass(unsigned char c, bool keep);
+    // Stores a run of tag text without line ends at the cursor, growing the buffer as the
+    // bytes' checks require; `line_end_follows` counts the check of a line end behind it.
+    void _store_run(const unsigned char* bytes, std::uint64_t count, bool line_end_follows);
+    // Consumes the input up to and with the next `<`, dropping what stands before it.
+    bool _pass_to_tag();
+    // Consumes the input up to and with the next `>`, keeping the tag text before it.
+    bool _take_tag_text();
     // Reads element text up to the next `<` (left unread) or the end of the input.
     void _collect_text();
     // An element whose children are being read, and whether its end has been seen.
@@ -127,6 +130,13 @@ class xml_base_reader_c {
     // One tag and what it starts, without the children of an element; `opened` receives an
     // element whose children are to be read next.
     bool _read_one(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened);
+
+    const char* _element_name();
+    const char* _quick_element_name();
+    const char* _quick_attribute_name();
+    const char* _quick_value(bool& has_reference);
+    // The 0 byte behind the word that a step has just cut.
+    const char* _word_end() const { return _buffer.get() + _cursor - 1; }
 
     // Makes room for `size` cells without changing the buffer's size.
     void _reserve(std::uint64_t size);

@@ -41,6 +41,14 @@ template <class T> T* next_in_preorder(T* node, const T* top) {
     return nullptr;
 }
 
+// One of 64 bits for a (non-empty) name, from its first two bytes: the few names of one element
+// mostly differ there, and two that don't are only compared the slow way.
+inline unsigned name_bit(const char* name) {
+    auto first = static_cast<unsigned char>(name[0]);
+    auto second = first ? static_cast<unsigned char>(name[1]) : 0u;
+    return (first * 31u + second) & 63u;
+}
+
 // Elements with more attributes than this are converted through an index of labels, so that an
 // element of 100,000 attributes costs as many steps, not their square.
 inline constexpr std::uint64_t indexed_attribute_count = 32;
@@ -305,12 +313,12 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
             return item;
         }
 
-        void add_attribute(void* element, const char* name, const char* value) override {
+        void add_attribute(void* element, std::string_view name, std::string_view value) override {
             T* item = static_cast<T*>(element);
             if constexpr (std::is_same_v<T, xml_item_c>) {
                 if (_indexed(item, name, value)) return;
             }
-            item->set_attribute(name, value);
+            item->set_attribute(name.data(), value.data());
         }
 
         void set_text(void* element, const char* text) override {
@@ -325,18 +333,18 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
 
       private:
         // set_attribute through a map from label to attribute, once an element has many.
-        bool _indexed(xml_item_c* item, const char* name, const char* value) {
+        bool _indexed(xml_item_c* item, std::string_view name, std::string_view value) {
             // A name whose bit is not yet set among this element's names is new: it is
             // appended as set_attribute would append it, without a search.
             if (item != _seen_owner) {
                 _seen_owner = item;
                 _seen = 0;
             }
-            std::uint64_t bit = std::uint64_t{1} << (std::hash<std::string_view>{}(name)&63);
+            std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name.data());
             bool surely_new = !(_seen & bit);
             _seen |= bit;
             if (surely_new && item != _index_owner) {
-                item->attributes.append(new labeled_value_c(name))->set_string(value);
+                item->attributes.append(new labeled_value_c(name, value));
                 return true;
             }
             if (item != _index_owner) {
@@ -351,11 +359,10 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
             }
             auto found = _index.find(name);
             if (found != _index.end()) {
-                found->second->set_string(value);
+                found->second->set_string(value.data());
                 return true;
             }
-            labeled_value_c* made = item->attributes.append(new labeled_value_c(name));
-            made->set_string(value);
+            labeled_value_c* made = item->attributes.append(new labeled_value_c(name, value));
             _index.emplace(made->get_label(), made);
             return true;
         }

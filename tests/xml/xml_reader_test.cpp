@@ -1036,6 +1036,99 @@ TEST(xml_reader_bad_input, every_prefix_into_a_tree_keeps_the_tree_unchanged_whe
     }
 }
 
+namespace {
+
+// A document of a few kilobytes with every construct the reader knows: nesting, attributes with
+// and without references, comments, element text, self-closed and empty elements, line ends
+// inside tags.
+std::string kilobytes_document() {
+    std::string out =
+        "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<scenario id=\"7\">\n";
+    for (int i = 0; i < 40; ++i) {
+        std::string n = std::to_string(i);
+        out += "\t<host name=\"h" + n + "\" cond=\"a &lt; " + n + " &amp;&amp; b\"\n\t\tport=\"" +
+               n + "\">\n\t\t<!-- host " + n + " -->\n\t\t<dir path=\"/srv/" + n +
+               "\">text &quot;" + n + "&quot;</dir>\n\t\t<empty></empty>\n\t\t<flag on=\"" +
+               (i % 2 ? "True" : "False") + "\"/>\n\t</host>\n";
+    }
+    return out + "</scenario>\n";
+}
+
+} // namespace
+
+TEST(xml_reader_bad_input, every_prefix_of_a_document_of_kilobytes) {
+    const std::string whole = kilobytes_document();
+    ASSERT_GT(whole.size(), 4000u);
+    const std::size_t root_end = whole.rfind("</scenario>") + 11;
+    xml_tree_c full_tree;
+    ASSERT_TRUE(full_tree.load_from_str(whole.c_str()));
+    utl_stream_c full_text;
+    full_tree.write(full_text, true);
+    std::size_t loaded_count = 0;
+    for (std::size_t n = 0; n <= whole.size(); ++n) {
+        std::string prefix = whole.substr(0, n);
+        xml_document_c doc;
+        bool doc_loaded = load_str(doc, prefix);
+        xml_tree_c tree;
+        bool tree_loaded = tree.load_from_str(prefix.c_str());
+        ASSERT_EQ(doc_loaded, n >= root_end) << "prefix of " << n << " bytes";
+        ASSERT_EQ(tree_loaded, doc_loaded) << "prefix of " << n << " bytes";
+        if (!tree_loaded) {
+            ASSERT_EQ(tree.get_root(), nullptr) << n;
+            continue;
+        }
+        ++loaded_count;
+        ASSERT_TRUE(tree.is_equal(full_tree)) << n;
+        utl_stream_c text;
+        tree.write(text, true);
+        ASSERT_STREQ(text.c_str(), full_text.c_str()) << n;
+    }
+    EXPECT_EQ(loaded_count, whole.size() - root_end + 1);
+}
+
+TEST(xml_reader_bad_input, every_prefix_of_a_document_of_kilobytes_from_a_file) {
+    const std::string whole = kilobytes_document();
+    const std::size_t root_end = whole.rfind("</scenario>") + 11;
+    temp_dir_c dir;
+    std::string path = dir.join("prefix.xml");
+    xml_tree_c full_tree;
+    write_file(path, whole);
+    ASSERT_TRUE(full_tree.load(path.c_str()));
+    ASSERT_STREQ(full_tree.get_root()->first_child_item()->first_child_item()->text, "text \"0\"");
+    for (std::size_t n = 0; n <= whole.size(); ++n) {
+        write_file(path, whole.substr(0, n));
+        xml_tree_c tree;
+        bool loaded = tree.load(path.c_str());
+        ASSERT_EQ(loaded, n >= root_end) << "prefix of " << n << " bytes";
+        if (loaded)
+            ASSERT_TRUE(tree.is_equal(full_tree)) << n;
+        else
+            ASSERT_EQ(tree.get_root(), nullptr) << n;
+    }
+}
+
+TEST(xml_reader_bad_input, attribute_value_of_10_mb_in_a_tree) {
+    const std::size_t size = 10u * 1024 * 1024;
+    std::string value(size, 'v');
+    value[size / 2] = '&';
+    std::string input = decl + "<a small=\"1\" big=\"" + value + "&amp;\" after=\"2\"/>";
+    xml_tree_c tree;
+    ASSERT_TRUE(tree.load_from_str(input.c_str()));
+    xml_item_c* root = tree.get_root();
+    ASSERT_NE(root, nullptr);
+    ASSERT_EQ(root->get_attribute_count(), 3u);
+    const char* big = root->find_attribute("big")->to_text();
+    ASSERT_EQ(std::strlen(big), size + 1);
+    EXPECT_EQ(std::string(big, size), value);
+    EXPECT_EQ(big[size], '&');
+    EXPECT_STREQ(root->find_attribute("after")->to_text(), "2");
+    // The big value goes on its own; the others stay.
+    ASSERT_TRUE(root->attributes.remove_and_delete(1));
+    EXPECT_STREQ(root->get_attribute(1)->get_label(), "after");
+    root->set_attribute("big", value.c_str());
+    EXPECT_EQ(std::strlen(root->find_attribute("big")->to_text()), size);
+}
+
 TEST(xml_reader_bad_input, byte_ff_cuts_the_input_inside_an_element) {
     EXPECT_TRUE(refused_both_ways("<a>\xFF</a>"));
     EXPECT_TRUE(refused_both_ways("<a><b/>\xFF<c/></a>"));

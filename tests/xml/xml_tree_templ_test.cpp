@@ -19,7 +19,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -924,4 +926,162 @@ TEST(xml_tree, find_by_value_no_match_is_null) {
     EXPECT_EQ(tree.find_by_value(nullptr, nullptr, &other_text, true), nullptr);
     EXPECT_EQ(tree.find_by_value(nullptr, nullptr, &other_label, true), nullptr);
     EXPECT_EQ(tree.find_by_value(nullptr, nullptr, nullptr, true), nullptr);
+}
+
+// ---- the life of loaded items
+
+namespace {
+
+// A document with `count` children of the root in groups of a parent and two children each.
+std::string grouped_document(int count) {
+    std::string out = decl + "\n<root kind=\"grouped\">\n";
+    for (int i = 0; i < count; ++i) {
+        std::string n = std::to_string(i);
+        out += "\t<g id=\"" + n + "\" note=\"a value long enough to need a block of its own " + n +
+               "\" cond=\"x &gt; " + n + "\">\n\t\t<c id=\"" + n + ".1\"/>\n\t\t<c id=\"" + n +
+               ".2\">text " + n + "</c>\n\t</g>\n";
+    }
+    return out + "</root>\n";
+}
+
+std::vector<xml_item_c*> items_of(xml_item_c* top) {
+    std::vector<xml_item_c*> out;
+    for (xml_item_c* item = top; item; item = xml_tree_n::next_in_preorder(item, top))
+        out.push_back(item);
+    return out;
+}
+
+std::string written_items(xml_tree_c& tree) { return written(tree, false); }
+
+} // namespace
+
+TEST(xml_tree_items, every_item_deleted_one_by_one_in_random_order) {
+    xml_tree_c tree;
+    ASSERT_TRUE(tree.load_from_str(grouped_document(400).c_str()));
+    std::mt19937 random(20261123);
+    std::vector<xml_item_c*> items = items_of(tree.get_root());
+    ASSERT_EQ(items.size(), 1u + 400u * 3u);
+    // Each step deletes a random item other than the root, with its subtree, or else one of its
+    // attributes; the count of items left is checked against a walk every time.
+    std::size_t left = items.size();
+    while (left > 1) {
+        std::vector<xml_item_c*> now = items_of(tree.get_root());
+        ASSERT_EQ(now.size(), left);
+        xml_item_c* victim = now[1 + random() % (now.size() - 1)];
+        if (random() % 3 == 0 && victim->get_attribute_count() > 0) {
+            std::uint64_t before = victim->get_attribute_count();
+            std::uint64_t index = random() % before;
+            ASSERT_TRUE(victim->attributes.remove_and_delete(index));
+            EXPECT_EQ(victim->get_attribute_count(), before - 1);
+            continue;
+        }
+        std::size_t gone = items_of(victim).size();
+        if (random() % 2)
+            tree.remove(victim);
+        else {
+            tree.detach(victim);
+            delete victim;
+        }
+        left -= gone;
+    }
+    EXPECT_EQ(items_of(tree.get_root()).size(), 1u);
+    EXPECT_EQ(written_items(tree), "<root kind=\"grouped\"/>\n");
+}
+
+TEST(xml_tree_items, items_moved_to_another_tree_outlive_the_source) {
+    auto source = std::make_unique<xml_tree_c>();
+    ASSERT_TRUE(source->load_from_str(grouped_document(50).c_str()));
+    xml_tree_c target;
+    ASSERT_TRUE(target.load_from_str((decl + "<target/>").c_str()));
+    // Every other group moves, the last first, so that the target holds them in reverse.
+    std::vector<xml_item_c*> groups;
+    for (xml_item_c* g = source->get_root()->first_child_item(); g; g = g->next_item())
+        groups.push_back(g);
+    std::size_t moved = 0;
+    for (std::size_t i = groups.size(); i-- > 0;) {
+        if (i % 2) continue;
+        source->detach(groups[i]);
+        ASSERT_TRUE(target.attach(groups[i], target.get_root(), true));
+        ++moved;
+    }
+    source.reset();
+    std::vector<xml_item_c*> kept;
+    for (xml_item_c* g = target.get_root()->first_child_item(); g; g = g->next_item())
+        kept.push_back(g);
+    ASSERT_EQ(kept.size(), moved);
+    for (std::size_t k = 0; k < kept.size(); ++k) {
+        std::string n = std::to_string(48 - 2 * k);
+        EXPECT_STREQ(kept[k]->label, "g");
+        EXPECT_STREQ(kept[k]->find_attribute("id")->to_text(), n.c_str());
+        EXPECT_EQ(std::string(kept[k]->find_attribute("note")->to_text()),
+                  "a value long enough to need a block of its own " + n);
+        EXPECT_STREQ(kept[k]->find_attribute("cond")->to_text(), ("x > " + n).c_str());
+        ASSERT_NE(kept[k]->first_child_item(), nullptr);
+        EXPECT_STREQ(kept[k]->first_child_item()->find_attribute("id")->to_text(),
+                     (n + ".1").c_str());
+        // The moved items change as any item does.
+        kept[k]->set_label("a_label_much_longer_than_the_inline_room");
+        kept[k]->set_attribute("note", "short");
+        kept[k]->set_attribute("added", static_cast<std::int64_t>(k));
+    }
+    std::string text = written_items(target);
+    EXPECT_NE(text.find("<a_label_much_longer_than_the_inline_room id=\"48\" note=\"short\" "
+                        "cond=\"x &gt; 48\" added=\"0\">"),
+              std::string::npos);
+    // The target is loaded again from its own text and compares equal.
+    xml_tree_c again;
+    ASSERT_TRUE(again.load_from_str(("<?xml version=\"1.0\"?>" + text).c_str()));
+    EXPECT_EQ(written_items(again), text);
+}
+
+TEST(xml_tree_items, detached_item_and_its_copy_live_on_after_the_tree) {
+    xml_item_c* detached = nullptr;
+    xml_item_c* copy = nullptr;
+    {
+        xml_tree_c tree;
+        ASSERT_TRUE(tree.load_from_str(grouped_document(20).c_str()));
+        xml_item_c* g = tree.get_root()->first_child_item()->next_item();
+        copy = new xml_item_c(*g, true);
+        tree.detach(g);
+        detached = g;
+        // The rest of the tree is partly deleted before the tree itself goes.
+        tree.remove(tree.get_root()->first_child_item());
+    }
+    ASSERT_NE(detached, nullptr);
+    EXPECT_STREQ(detached->find_attribute("id")->to_text(), "1");
+    EXPECT_EQ(get_children_count(detached, true), 2u);
+    EXPECT_STREQ(detached->first_child_item()->next_item()->text, nullptr);
+    EXPECT_TRUE(detached->is_equal(*copy));
+    EXPECT_EQ(get_children_count(copy, true), 2u);
+    // A new tree takes the item and deletes one child of it, then the item dies with the tree.
+    {
+        xml_tree_c holder;
+        ASSERT_TRUE(holder.attach(detached, nullptr, true));
+        holder.remove(detached->first_child_item());
+        EXPECT_EQ(get_children_count(detached, true), 1u);
+    }
+    delete copy;
+}
+
+TEST(xml_tree_items, items_of_two_loads_mixed_in_one_tree_and_destroyed_in_any_order) {
+    auto first = std::make_unique<xml_tree_c>();
+    auto second = std::make_unique<xml_tree_c>();
+    ASSERT_TRUE(first->load_from_str(grouped_document(30).c_str()));
+    ASSERT_TRUE(second->load_from_str(grouped_document(30).c_str()));
+    // The second tree's groups go into the first one's, one by one, and back some of them.
+    while (xml_item_c* g = second->get_root()->first_child_item()) {
+        second->detach(g);
+        ASSERT_TRUE(first->attach(g, first->get_root()->first_child_item(), true));
+    }
+    EXPECT_EQ(get_children_count(first->get_root(), true), 30u * 3u + 30u * 3u);
+    xml_item_c* back =
+        first->get_root()->first_child_item()->last_child
+            ? static_cast<xml_item_c*>(first->get_root()->first_child_item()->last_child)
+            : nullptr;
+    ASSERT_NE(back, nullptr);
+    first->detach(back);
+    ASSERT_TRUE(second->attach(back, second->get_root(), true));
+    first.reset();
+    EXPECT_STREQ(second->get_root()->first_child_item()->find_attribute("id")->to_text(), "29");
+    EXPECT_EQ(get_children_count(second->get_root(), true), 3u);
 }
