@@ -128,24 +128,34 @@ void xml_base_reader_c::_store_run(const unsigned char* bytes, std::uint64_t cou
     _cursor += count;
 }
 
+// Steps over the byte at `p`, the stop of a scan; the byte that ends the input stops the input
+// there instead. False at the end of the input.
+bool xml_base_reader_c::_step_over(const unsigned char* p) {
+    if (*p == end_of_input) {
+        _cut();
+        return false;
+    }
+    _in = p + 1;
+    return true;
+}
+
+// The next window, once the current one is used up; false, for good, at the end of the input.
+bool xml_base_reader_c::_refill() {
+    if (_ended || !_fill()) {
+        _ended = true;
+        return false;
+    }
+    return true;
+}
+
 // Consumes the input up to and with the next `<`; what stands before it is dropped. False at
 // the end of the input.
 bool xml_base_reader_c::_pass_to_tag() {
     for (;;) {
         const unsigned char* p = find_tag_start(_in, _in_end);
         _in = p;
-        if (p < _in_end) {
-            if (*p == end_of_input) {
-                _cut();
-                return false;
-            }
-            ++_in;
-            return true;
-        }
-        if (_ended || !_fill()) {
-            _ended = true;
-            return false;
-        }
+        if (p < _in_end) return _step_over(p);
+        if (!_refill()) return false;
     }
 }
 
@@ -158,18 +168,11 @@ bool xml_base_reader_c::_take_tag_text() {
         _store_run(_in, static_cast<std::uint64_t>(p - _in), line_end);
         _in = p;
         if (p < _in_end) {
-            if (*p == end_of_input) {
-                _cut();
-                return false;
-            }
-            ++_in;
+            if (!_step_over(p)) return false;
             if (!line_end) return true;
             continue;
         }
-        if (_ended || !_fill()) {
-            _ended = true;
-            return false;
-        }
+        if (!_refill()) return false;
     }
 }
 
@@ -281,10 +284,7 @@ void xml_base_reader_c::_collect_text() {
             if (*p == end_of_input) _cut();
             return;
         }
-        if (_ended || !_fill()) {
-            _ended = true;
-            return;
-        }
+        if (!_refill()) return;
     }
 }
 

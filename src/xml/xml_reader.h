@@ -90,10 +90,7 @@ class xml_base_reader_c {
                 ++_in;
                 return c;
             }
-            if (_ended || !_fill()) {
-                _ended = true;
-                return end_of_input;
-            }
+            if (!_refill()) return end_of_input;
         }
     }
     // The input ends at the byte under `_in`.
@@ -120,6 +117,10 @@ class xml_base_reader_c {
     bool _pass_to_tag();
     // Consumes the input up to and with the next `>`, keeping the tag text before it.
     bool _take_tag_text();
+    // The shared steps of the two scans above: past the byte a scan stopped at, and on to the
+    // next window of the input.
+    bool _step_over(const unsigned char* p);
+    bool _refill();
     // Reads element text up to the next `<` (left unread) or the end of the input.
     void _collect_text();
     // An element whose children are being read, and whether its end has been seen.
