@@ -155,7 +155,9 @@ void path_n::_normalize_path(char* path) {
 void path_n::path_to_wide_char_path(const char* src, wide_char* dst, bool add_long_prefix) {
     dst[0] = 0;
     if (!src || !*src) return;
-    char local[path_buffer_size] = {};
+    // Two terminators are enough: the tests below read no further than local[1].
+    char local[path_buffer_size];
+    local[0] = local[1] = 0;
     if (is_volume_guid_path(src, true)) {
         copy_bounded(local, src, longest_path);
         for (char* p = local; *p; ++p)

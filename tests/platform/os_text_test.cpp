@@ -115,6 +115,23 @@ TEST(MultiByteToWideChar, ShortTargetFailsWithInsufficientBuffer) {
     EXPECT_EQ(os::GetLastError(), os::ERROR_INSUFFICIENT_BUFFER);
 }
 
+// A path-like ASCII run, longer than the target, before text of more than one byte.
+TEST(MultiByteToWideChar, AsciiRunLongerThanTheTargetFailsAndMeasuresTheWhole) {
+    std::string text = "C:\\data\\" + sample_utf8;
+    std::vector<wide_char> buffer(4, u'#');
+    os::SetLastError(0);
+    EXPECT_EQ(os::MultiByteToWideChar(os::CP_UTF8, 0, text.c_str(), -1, buffer.data(), 4), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(os::MultiByteToWideChar(os::CP_UTF8, 0, text.c_str(), -1, nullptr, 0), 8 + 6);
+}
+
+TEST(MultiByteToWideChar, AsciiRunThenOtherTextConvertsWhole) {
+    std::string text = "C:\\data\\" + sample_utf8;
+    std::vector<wide_char> buffer(14, u'#');
+    EXPECT_EQ(os::MultiByteToWideChar(os::CP_UTF8, 0, text.c_str(), -1, buffer.data(), 14), 14);
+    EXPECT_EQ(std::u16string(buffer.data(), 14), terminated(u"C:\\data\\" + sample_utf16));
+}
+
 TEST(MultiByteToWideChar, ShortTargetForHalfASurrogatePairFails) {
     if (test_support::on_wine())
         GTEST_SKIP() << "Wine 8 writes the high surrogate alone into the last unit and reports "
@@ -294,6 +311,22 @@ TEST(WideCharToMultiByte, ShortTargetFailsWithInsufficientBuffer) {
     EXPECT_EQ(os::WideCharToMultiByte(os::CP_UTF8, 0, sample_utf16.c_str(), -1, buffer.data(), 10),
               0);
     EXPECT_EQ(os::GetLastError(), os::ERROR_INSUFFICIENT_BUFFER);
+}
+
+TEST(WideCharToMultiByte, AsciiRunLongerThanTheTargetFailsAndMeasuresTheWhole) {
+    std::u16string text = u"C:\\data\\" + sample_utf16;
+    std::vector<char> buffer(4, '#');
+    os::SetLastError(0);
+    EXPECT_EQ(os::WideCharToMultiByte(os::CP_UTF8, 0, text.c_str(), -1, buffer.data(), 4), 0);
+    EXPECT_EQ(os::GetLastError(), os::ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(os::WideCharToMultiByte(os::CP_UTF8, 0, text.c_str(), -1, nullptr, 0), 8 + 11);
+}
+
+TEST(WideCharToMultiByte, AsciiRunThenOtherTextConvertsWhole) {
+    std::u16string text = u"C:\\data\\" + sample_utf16;
+    std::vector<char> buffer(19, '#');
+    EXPECT_EQ(os::WideCharToMultiByte(os::CP_UTF8, 0, text.c_str(), -1, buffer.data(), 19), 19);
+    EXPECT_EQ(std::string(buffer.data(), 19), terminated("C:\\data\\" + sample_utf8));
 }
 
 TEST(WideCharToMultiByte, ShortTargetInsideAFourByteSequenceFails) {
