@@ -10,8 +10,13 @@
 #include "platform/os.h"
 #include "support/thl.h"
 
+#if !defined(_WIN32)
+#include "platform/posix/syscalls.h"
+#endif
+
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -543,9 +548,53 @@ TEST_F(FilePropAccess, VolumePathLoadsWithDeviceBitAndTotalBytes) {
     EXPECT_STREQ(access.prop.name.c_str(), volume.c_str());
 }
 
+#if !defined(_WIN32)
+// The stored DOS attributes of every object say sparse, as a file server writes them.
+ssize_t sparse_mark(const char*, const char* name, void* value, std::size_t size) {
+    const char mark[] = "0x200";
+    if (std::strcmp(name, "user.DOSATTRIB") != 0 || size < sizeof mark - 1) {
+        errno = ENODATA;
+        return -1;
+    }
+    std::memcpy(value, mark, sizeof mark - 1);
+    return static_cast<ssize_t>(sizeof mark - 1);
+}
+#endif
+
+// A plain file with the stored sparse mark loads sparse: the mark is seen at all.
+TEST_F(FilePropAccess, FileWithTheSparseAttributeLoadsSparse) {
+#if defined(_WIN32)
+    GTEST_SKIP() << "wine keeps no sparse attribute; the POSIX build fakes it through the "
+                    "system-call table";
+#else
+    std::string path = dir.join("sparse.bin");
+    write_file(path, "0123456789");
+    test_support::replaced_syscall_c mark(os::posix::syscalls().getxattr, &sparse_mark);
+    file_prop_access_c access;
+    ASSERT_TRUE(access.load_file_properties_from_disk(path.c_str(), nullptr, nullptr));
+    EXPECT_NE(access.prop.mode.host_mode & os::FILE_ATTRIBUTE_SPARSE_FILE, 0u);
+    EXPECT_NE(access.prop.mode.qv_mode & file_mode_n::sparse, 0u);
+#endif
+}
+
+// A reparse point that is also sparse is taken for a plain file.
 TEST_F(FilePropAccess, FileWithSparseAndReparseAttributesLoadsWithNeither) {
-    GTEST_SKIP() << "no object here is both sparse and a reparse point: Linux and Wine have no "
-                    "sparse attribute, and Wine makes no reparse points";
+#if defined(_WIN32)
+    GTEST_SKIP() << "wine keeps no sparse attribute and makes no sparse reparse point; the POSIX "
+                    "build fakes the mark on a link through the system-call table";
+#else
+    std::string target = dir.join("target.txt"), link = dir.join("link");
+    write_file(target, "0123456789");
+    if (!make_symlink(target, link, false)) GTEST_SKIP() << no_symlinks;
+    test_support::replaced_syscall_c mark(os::posix::syscalls().lgetxattr, &sparse_mark);
+    file_prop_access_c access;
+    ASSERT_TRUE(access.load_file_properties_from_disk(link.c_str(), nullptr, nullptr));
+    constexpr std::uint32_t both =
+        os::FILE_ATTRIBUTE_SPARSE_FILE | os::FILE_ATTRIBUTE_REPARSE_POINT;
+    EXPECT_EQ(access.prop.mode.host_mode & both, 0u) << access.prop.mode.host_mode;
+    EXPECT_EQ(access.prop.mode.qv_mode & (file_mode_n::sparse | file_mode_n::reparse), 0u);
+    EXPECT_EQ(access.prop.reparse_kind, 0u);
+#endif
 }
 
 TEST_F(FilePropAccess, HiddenDirectoryAsTheEngineHidesItsState) {

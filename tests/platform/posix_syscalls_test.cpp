@@ -937,3 +937,34 @@ TEST_F(posix_syscalls_test, a_failed_fork_starts_no_process) {
     EXPECT_EQ(forced.calls, 2);
 #endif
 }
+
+// A sparse mark in the stored DOS attributes, as a file server leaves it, reads as sparse, and
+// a store of other attributes keeps it: it is not theirs to change.
+TEST_F(posix_syscalls_test, a_stored_sparse_mark_reads_and_survives_a_store_of_other_attributes) {
+#if defined(_WIN32)
+    POSIX_ONLY_SKIP();
+#else
+    static std::string written;
+    struct local {
+        static ssize_t stored(const char*, const char*, void* value, std::size_t size) {
+            const char mark[] = "0x200";
+            if (size < sizeof mark - 1) return -1;
+            std::memcpy(value, mark, sizeof mark - 1);
+            return static_cast<ssize_t>(sizeof mark - 1);
+        }
+        static int store(const char*, const char* name, const void* value, std::size_t size, int) {
+            ++forced.calls;
+            written = std::string(name) + "=" + std::string(static_cast<const char*>(value), size);
+            return 0;
+        }
+    };
+    written.clear();
+    os::posix::syscalls().getxattr = local::stored;
+    os::posix::syscalls().setxattr = local::store;
+    os::DWORD attributes = os::GetFileAttributesW(wide(file).c_str());
+    EXPECT_EQ(attributes, os::FILE_ATTRIBUTE_SPARSE_FILE);
+    EXPECT_TRUE(os::SetFileAttributesW(wide(file).c_str(), os::FILE_ATTRIBUTE_HIDDEN));
+    EXPECT_EQ(forced.calls, 1);
+    EXPECT_EQ(written, "user.DOSATTRIB=0x202");
+#endif
+}
