@@ -6,6 +6,8 @@
 #include "stats_mng/stats_saver_ex.h"
 #include "support/load_step.h"
 #include "support/thl.h"
+#include "utl/message_store.h"
+#include "utl/utl_stream.h"
 
 #include <array>
 #include <mutex>
@@ -25,6 +27,14 @@ load_step_object_ct<single_writer_multi_reader_c> spare_rw_lock("a single_writer
 template <int index> void build_spare_section() { spare_section[index].build(false); }
 template <int index> void drop_spare_section() { spare_section[index].drop(); }
 
+// Two empty global streams that nothing in the library takes.
+load_step_object_ct<utl_stream_c> spare_stream[2] = {
+    load_step_object_ct<utl_stream_c>("an empty global utl_stream_c"),
+    load_step_object_ct<utl_stream_c>("an empty global utl_stream_c"),
+};
+template <int index> void build_spare_stream() { spare_stream[index].build(); }
+template <int index> void drop_spare_stream() { spare_stream[index].drop(); }
+
 void build_spare_rw_lock() { spare_rw_lock.build(); }
 void drop_spare_rw_lock() { spare_rw_lock.drop(); }
 
@@ -38,8 +48,17 @@ const load_order_n::step_s table[] = {
     {4, "the critical section serialising stats_saver_ex_c::_save",
      stats_saver_ex_n::start_save_section, stats_saver_ex_n::stop_save_section},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
+    {11, "an empty global utl_stream_c", build_spare_stream<0>, drop_spare_stream<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},
+    {14, "the message store", message_store_c::start, message_store_c::stop},
+    {15, "a second empty global utl_stream_c", build_spare_stream<1>, drop_spare_stream<1>},
+    {16, "the severity table", message_tables_n::start_severity_table,
+     message_tables_n::stop_severity_table},
+    {17, "the scenario activity table", message_tables_n::start_activity_table,
+     message_tables_n::stop_activity_table},
+    {18, "the source table", message_tables_n::start_source_table,
+     message_tables_n::stop_source_table},
     {20, "a thl_crit_section_c", build_spare_section<3>, drop_spare_section<3>},
     {22, "a single_writer_multi_reader_c", build_spare_rw_lock, drop_spare_rw_lock},
     {26, "a thl_crit_section_c", build_spare_section<4>, drop_spare_section<4>},

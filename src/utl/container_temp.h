@@ -1,13 +1,16 @@
 // The library's own containers: array_ct<T>, a growable array of pointers that counts by its last
-// index; value_list_ct<T> and value_ptr_list_ct<K,T>, double chains with a built-in cursor; and
-// ptr_list_ct<T>, the typed front of a ptr_list_c. None of them locks; the lock that a
-// value_list_ct may hold is there for its user.
+// index; value_list_ct<T> and value_ptr_list_ct<K,T>, double chains with a built-in cursor;
+// ptr_list_ct<T>, the typed front of a ptr_list_c; and utl_hash_base_ct<T,K>, names to data in
+// fixed buckets. None of them locks; the lock that a value_list_ct or a hash may hold is there
+// for its user.
 #pragma once
 
+#include "platform/os.h"
 #include "support/thl.h"
 #include "support/trc.h"
 #include "utl/cell_pool.h"
 
+#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -753,4 +756,245 @@ template <class T> class ptr_list_ct {
     static T* _typed(const void* data) { return static_cast<T*>(const_cast<void*>(data)); }
 
     ptr_list_c* _list;
+};
+
+// ---------------------------------------------------------------------------------------------
+// utl_hash_base_ct<T,K>: names to data in `size` + 1 buckets, each a list T of named data (a
+// ptr_string_list_c), the last bucket for null names. The key of a name is the additive sum of
+// its bytes plus its length, modulo the size: cheap for the short ids it serves. The table never
+// grows or rehashes; long chains are the price of a full table. The range of used buckets and a
+// cursor bucket make the walks of first, next, prev and last. K is the data type handed out.
+// Nothing is locked here; the lock, when there is one, is for the hash's user.
+template <class T, class K> class utl_hash_base_ct {
+  public:
+    static constexpr std::uint64_t none = container_n::no_index;
+
+    // A size below 10 is raised to 10.
+    utl_hash_base_ct(std::uint64_t size, bool case_sensitive)
+        : _case_sensitive(case_sensitive), _size(size < 10 ? 10 : size) {
+        _table = new T*[_size + 1];
+        for (std::uint64_t i = 0; i <= _size; ++i) _table[i] = new T(false);
+    }
+    utl_hash_base_ct(const utl_hash_base_ct&) = delete;
+    utl_hash_base_ct& operator=(const utl_hash_base_ct&) = delete;
+
+    virtual ~utl_hash_base_ct() {
+        for (std::uint64_t i = 0; i <= _size; ++i) delete _table[i];
+        delete[] _table;
+        delete lock;
+    }
+
+    virtual void clear() {
+        for (std::uint64_t i = 0; i <= _size; ++i) _table[i]->clear();
+        _count = 0;
+        _first_used = _last_used = _current = none;
+    }
+
+    virtual const char* get_current_name(K data) {
+        if (data) _update_current(data);
+        if (_count == 0 || _current == none) return nullptr;
+        return _table[_current]->get_current_name(nullptr);
+    }
+
+    virtual K current() const {
+        if (_count == 0 || _current == none) return nullptr;
+        return _typed(_table[_current]->current());
+    }
+
+    virtual K first() {
+        if (_count == 0) return nullptr;
+        _current = _first_used;
+        return _typed(_table[_current]->first());
+    }
+
+    virtual K last() {
+        if (_count == 0) return nullptr;
+        _current = _last_used;
+        return _typed(_table[_current]->last());
+    }
+
+    virtual K next(K data) {
+        if (_count == 0) return nullptr;
+        if (data) _update_current(data);
+        if (_current == none) return nullptr;
+        if (const void* found = _table[_current]->next(nullptr)) return _typed(found);
+        for (std::uint64_t bucket = _current + 1; bucket <= _last_used; ++bucket) {
+            if (const void* found = _table[bucket]->first()) {
+                _current = bucket;
+                return _typed(found);
+            }
+        }
+        _current = none;
+        return nullptr;
+    }
+
+    virtual K prev(K data) {
+        if (_count == 0) return nullptr;
+        if (data) _update_current(data);
+        if (_current == none) return nullptr;
+        if (const void* found = _table[_current]->prev(nullptr)) return _typed(found);
+        for (std::uint64_t bucket = _current; bucket-- > _first_used;) {
+            if (const void* found = _table[bucket]->last()) {
+                _current = bucket;
+                return _typed(found);
+            }
+        }
+        _current = none;
+        return nullptr;
+    }
+
+    // Removes the entry at the cursor (or `data`'s); gives the entry that follows it in the walk
+    // of next, or null. The range of used buckets shrinks at its ends as they empty.
+    virtual K remove_current(K data) {
+        if (data) _update_current(data);
+        if (_current == none) return nullptr;
+        const void* following = _table[_current]->remove_current(data);
+        --_count;
+        if (following) return _typed(following);
+        if (_count == 0) {
+            _first_used = _last_used = _current = none;
+            return nullptr;
+        }
+        if (_current > _first_used && _current < _last_used) {
+            for (++_current; _current <= _last_used; ++_current)
+                if (_bucket_count(_current) > 0) return _typed(_table[_current]->first());
+            _current = none;
+            return nullptr;
+        }
+        if (_current == _first_used) {
+            while (_first_used < _last_used && _bucket_count(_first_used) == 0) ++_first_used;
+            _current = _first_used;
+            return _typed(_table[_current]->first());
+        }
+        _current = none;
+        while (_last_used > _first_used && _bucket_count(_last_used) == 0) --_last_used;
+        return nullptr;
+    }
+
+    // The data itself when the hash holds it; the cursor's bucket is asked first.
+    virtual K find_data(K data) {
+        if (_count == 0 || !data) return nullptr;
+        if (_current != none && _table[_current]->current() == data) return data;
+        for (std::uint64_t bucket = _first_used; bucket <= _last_used; ++bucket) {
+            if (const void* found = _table[bucket]->find(static_cast<const void*>(data))) {
+                _current = bucket;
+                return _typed(found);
+            }
+        }
+        _current = none;
+        return nullptr;
+    }
+
+    // A bucket outside the used range gives null without a search.
+    virtual K find(const char* name) {
+        if (_count == 0) return nullptr;
+        std::uint64_t bucket = _get_key(name);
+        if (bucket < _first_used || bucket > _last_used) {
+            _current = none;
+            return nullptr;
+        }
+        const void* found = _table[bucket]->find(name, _case_sensitive);
+        _current = found ? bucket : none;
+        return _typed(found);
+    }
+
+    // Asks every used bucket below the null names' one, up to the first with a name twice, but
+    // tells nobody: the result is null in all cases.
+    virtual const char* check_names_uniqueness() {
+        if (_count == 0) return nullptr;
+        for (std::uint64_t bucket = _first_used; bucket <= _last_used && bucket < _size; ++bucket)
+            if (_table[bucket]->check_names_uniqueness()) break;
+        return nullptr;
+    }
+
+    // Calls `callback(data, context)` for each entry named `name`, up to the first true; gives
+    // that entry's data, or null.
+    virtual K travel_by(const char* name, bool (*callback)(K data, void* context), void* context) {
+        if (_count == 0) return nullptr;
+        std::uint64_t bucket = _get_key(name);
+        if (bucket < _first_used || bucket > _last_used) return nullptr;
+        T& list = *_table[bucket];
+        for (const void* data = list.first(); data; data = list.next(nullptr)) {
+            if (_same_name(list.get_current_name(nullptr), name) && callback(_typed(data), context))
+                return _typed(data);
+        }
+        return nullptr;
+    }
+
+    // Duplicates are not looked for.
+    virtual void append(const char* name, K data) {
+        std::uint64_t bucket = _get_key(name);
+        _table[bucket]->append(name, data);
+        _update_encrease(bucket);
+    }
+
+    virtual void insert(const char* name, K data) {
+        std::uint64_t bucket = _get_key(name);
+        _table[bucket]->insert(name, data);
+        _update_encrease(bucket);
+    }
+
+    std::uint64_t get_count() const { return _count; }
+    std::uint64_t get_size() const { return _size; }
+    std::uint64_t first_used() const { return _first_used; }
+    std::uint64_t last_used() const { return _last_used; }
+    std::uint64_t current_bucket() const { return _current; }
+    // The bucket of a name: null names live in the extra one, index `size`.
+    std::uint64_t key_of(const char* name) const { return _get_key(name); }
+
+    thl_crit_section_c* lock = nullptr; // owned; null in the message store
+
+  protected:
+    std::uint64_t _get_key(const char* name) const {
+        if (!name) return _size;
+        return (_calculate_convolution(name) + std::strlen(name)) % _size;
+    }
+
+    // The sum of the bytes taken as signed chars, so that bytes of 0x80 and above subtract;
+    // folded to lower case first when case is ignored.
+    std::uint64_t _calculate_convolution(const char* name) const {
+        if (!name) return 0;
+        std::uint64_t sum = 0;
+        for (const char* p = name; *p; ++p) {
+            auto byte = static_cast<unsigned char>(*p);
+            if (!_case_sensitive) byte = static_cast<unsigned char>(std::tolower(byte));
+            sum += static_cast<std::uint64_t>(
+                static_cast<std::int64_t>(static_cast<signed char>(byte)));
+        }
+        return sum;
+    }
+
+    // The new entry's bucket becomes current and widens the range of used buckets.
+    void _update_encrease(std::uint64_t bucket) {
+        _current = bucket;
+        if (_count == 0) {
+            _first_used = _last_used = bucket;
+        } else {
+            if (bucket < _first_used) _first_used = bucket;
+            if (bucket > _last_used) _last_used = bucket;
+        }
+        ++_count;
+    }
+
+    void _update_current(K data) {
+        if (data && (_current == none || _table[_current]->current() != data)) find_data(data);
+    }
+
+  private:
+    static K _typed(const void* data) { return static_cast<K>(data); }
+    std::uint64_t _bucket_count(std::uint64_t bucket) const {
+        return container_n::ptr_list_count_reader_c::count(*_table[bucket]);
+    }
+    bool _same_name(const char* a, const char* b) const {
+        if (!a || !b) return a == b;
+        return _case_sensitive ? std::strcmp(a, b) == 0 : os::_stricmp(a, b) == 0;
+    }
+
+    bool _case_sensitive;
+    std::uint64_t _count = 0;
+    std::uint64_t _size;
+    T** _table;
+    std::uint64_t _first_used = none;
+    std::uint64_t _last_used = none;
+    std::uint64_t _current = none;
 };

@@ -11,7 +11,7 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
-foreach(installed include/stats_mng.h lib/cmake/stats_mng/stats_mngConfig.cmake lib/pkgconfig/stats_mng.pc)
+foreach(installed include/stats_mng.h share/stats_mng/stats_mng.msg lib/cmake/stats_mng/stats_mngConfig.cmake lib/pkgconfig/stats_mng.pc)
   if(NOT EXISTS ${prefix}/${installed})
     message(FATAL_ERROR "not installed: ${installed}")
   endif()

@@ -153,3 +153,33 @@ TEST_F(stats_tool, its_own_process_ran_every_start_up_step_in_order) {
     std::erase(output, '\r');
     EXPECT_EQ(output, expected);
 }
+
+// The tool finds the catalogue of its source tree by default and prints each id's text.
+TEST_F(stats_tool, message_prints_the_text_of_each_id) {
+    run_result_s result = run({"message", "ig00221", "CV01350"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    std::string output = result.output;
+    std::erase(output, '\r');
+    EXPECT_EQ(output.rfind("IG00221\tMaster\nCV01350\t", 0), 0u) << output;
+}
+
+TEST_F(stats_tool, message_of_an_id_without_a_text_gives_the_fallback_and_one) {
+    run_result_s result = run({"message", "CV09999"});
+    EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_NE(result.output.find("CV09999\t"), std::string::npos) << result.output;
+}
+
+TEST_F(stats_tool, message_with_a_catalogue_that_cannot_be_read_is_an_error) {
+    test_support::temp_dir_c dir;
+    run_result_s result = run({"message", "IG00221", "--messages", dir.join("none.msg")});
+    EXPECT_EQ(result.status, 2) << result.output;
+}
+
+TEST_F(stats_tool, message_with_a_given_catalogue_uses_it) {
+    test_support::temp_dir_c dir;
+    std::string file = dir.join("own.msg");
+    test_support::write_file(file, "IG00221\tOwn master\n");
+    run_result_s result = run({"message", "IG00221", "--messages", file});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_NE(result.output.find("IG00221\tOwn master"), std::string::npos) << result.output;
+}

@@ -2,6 +2,8 @@
 // does and asks its exports.
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
+#include "message_command.h"
+
 #include "files/file_manipulation.h"
 #include "platform/os.h"
 #include "stats_mng/load_order.h"
@@ -38,6 +40,10 @@ const char* const usage_text =
     "                       <N>_stats.xml, whether host H's last synchronisation finished,\n"
     "                       and its time T, as the engine does\n"
     "  load-steps           list the start-up steps this program ran for its own commands\n"
+    "  message ID... [--messages FILE]\n"
+    "                       print the text of each message id from the message catalogue\n"
+    "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
+    "                       then the catalogue of the source tree it was built from)\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -47,7 +53,8 @@ const char* const usage_text =
     "\n"
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
-    "load-steps: 0 every step ran, 1 a step is missing; 2 error\n";
+    "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
+    "has none; 2 error\n";
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -238,6 +245,20 @@ int main(int argc, char** argv) {
     if (command == "load-steps") {
         if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
         return run_load_steps();
+    }
+    if (command == "message") {
+        std::vector<std::string> ids;
+        std::string file;
+        for (std::size_t i = 1; i < rest.size(); ++i) {
+            if (rest[i] == "--messages" && i + 1 < rest.size())
+                file = rest[++i];
+            else if (rest[i].rfind("--", 0) != 0)
+                ids.push_back(rest[i]);
+            else
+                return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
+        }
+        if (ids.empty()) return usage_error("message needs at least one id");
+        return run_message(ids, file);
     }
     if (command == "hold-lock") {
         std::string directory, release_file;
