@@ -1,6 +1,14 @@
 #include "configuration/xmc_enums.h"
 
+#include "files/file.h"
+#include "platform/os.h"
+#include "support/thl.h"
+#include "support/trc.h"
+#include "xml/xml_item.h"
+
+#include <array>
 #include <cstring>
+#include <ctime>
 
 using namespace xmc_enums_n;
 
@@ -155,6 +163,254 @@ std::uint32_t xmc_enum_c::find_type(const char* type_name, std::uint32_t& enum_i
     if (enum_index != enum_none) return xmc_n::type_enum;
     std::uint32_t position = find_item(enum_type, type_name);
     return position == not_found ? static_cast<std::uint32_t>(xmc_n::type_unknown) : position;
+}
+
+// ---- the type gate ----------------------------------------------------------------------------
+// The rules below read texts of any length and any bytes. Numbers are read by hand where the C
+// runtime's scanf would be asked for them: its behaviour on a number that overflows is undefined
+// and differs between the two runtimes, so every field here saturates instead, and a field that
+// overflows compares as the large number it says.
+
+namespace {
+
+// White space of the "C" locale, byte by byte on both platforms.
+bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+// One "%u": blanks, a sign, digits. A minus reads as a huge number unless the digits are all
+// zero. False, with `p` unmoved, when no digit follows.
+bool scan_unsigned(const char*& p, std::uint64_t& value) {
+    const char* q = p;
+    while (is_space(*q)) ++q;
+    bool negative = false;
+    if (*q == '+' || *q == '-') negative = *q++ == '-';
+    if (!is_digit(*q)) return false;
+    std::uint64_t v = 0;
+    bool over = false;
+    for (; is_digit(*q); ++q) {
+        auto digit = static_cast<std::uint64_t>(*q - '0');
+        if (over || v > (UINT64_MAX - digit) / 10)
+            over = true;
+        else
+            v = v * 10 + digit;
+    }
+    if (over || (negative && v != 0)) v = UINT64_MAX;
+    value = v;
+    p = q;
+    return true;
+}
+
+// The fields of "%u<sep>%u<sep>..." in order, as far as they convert; `separators` holds the
+// literal after each field but the last. Returns the number of fields converted and leaves `p`
+// after the last of them.
+int scan_fields(const char*& p, std::uint64_t* fields, int count, const char* separators) {
+    int converted = 0;
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) {
+            if (*p != separators[i - 1]) break;
+            ++p;
+        }
+        if (!scan_unsigned(p, fields[i])) break;
+        ++converted;
+    }
+    return converted;
+}
+
+bool ip_address_fits(const char* text, const xml_item_c* item) {
+    std::uint64_t field[4] = {0, 0, 0, 0};
+    const char* p = text;
+    int converted = scan_fields(p, field, 4, "...");
+    // "%c" after the fourth field: any byte that follows is a fifth conversion.
+    if (converted == 4 && *p) converted = 5;
+    bool all_zero = !(field[0] | field[1] | field[2] | field[3]);
+    bool fits = converted == 4 && field[0] < 256 && field[1] < 256 && field[2] < 256 &&
+                field[3] < 256 && !all_zero;
+    if (fits) return true;
+    // The one label that may hold 0.0.0.0; as the fields start at 0, a text of which nothing
+    // converts passes there too.
+    if (all_zero && item) {
+        labeled_value_c* label = item->find_attribute(xmc_n::attr_label);
+        if (label && label->equals_text(xmc_n::label_data_ip)) return true;
+    }
+    return false;
+}
+
+// The 32 contiguous masks, longest first.
+constexpr std::array<std::uint32_t, 32> contiguous_masks = [] {
+    std::array<std::uint32_t, 32> masks{};
+    for (int i = 0; i < 32; ++i) masks[static_cast<std::size_t>(i)] = 0xFFFFFFFFu << i;
+    return masks;
+}();
+static_assert(contiguous_masks.front() == 0xFFFFFFFFu && contiguous_masks.back() == 0x80000000u);
+
+bool ip_mask_fits(const char* text) {
+    std::uint64_t field[8] = {};
+    const char* p = text;
+    // Whatever follows the mask is not looked at.
+    if (scan_fields(p, field, 8, ".../...") != 8) return false;
+    for (std::uint64_t f : field)
+        if (f >= 256) return false;
+    if (!(field[0] | field[1] | field[2] | field[3])) return false;
+    std::uint32_t mask =
+        static_cast<std::uint32_t>(field[4] << 24 | field[5] << 16 | field[6] << 8 | field[7]);
+    for (std::uint32_t m : contiguous_masks)
+        if (m == mask) return true;
+    return false;
+}
+
+// A date field: the word ANY, stored as -1, or a whole "%d" with nothing after it. A number
+// beyond int is no field. As the wildcard is stored as -1, a field that says -1 is one too.
+bool date_field(const char* text, int& value) {
+    if (std::strcmp(text, xmc_n::word_any) == 0) {
+        value = -1;
+        return true;
+    }
+    const char* p = text;
+    while (is_space(*p)) ++p;
+    bool negative = false;
+    if (*p == '+' || *p == '-') negative = *p++ == '-';
+    if (!is_digit(*p)) return false;
+    std::int64_t v = 0;
+    for (; is_digit(*p); ++p) {
+        v = v * 10 + (*p - '0');
+        if (v > 2147483648LL) return false;
+    }
+    if (*p) return false;
+    v = negative ? -v : v;
+    if (v > INT32_MAX || v < INT32_MIN) return false;
+    value = static_cast<int>(v);
+    return true;
+}
+
+// "%31s %31s %31s %c": three words of at most 31 bytes (a longer word is cut into two) and
+// nothing but blanks behind them.
+bool three_words(const char* text, char (&words)[3][32]) {
+    const char* p = text;
+    for (auto& word : words) {
+        while (is_space(*p)) ++p;
+        std::size_t n = 0;
+        while (*p && !is_space(*p) && n < 31) word[n++] = *p++;
+        word[n] = 0;
+        if (n == 0) return false;
+    }
+    while (is_space(*p)) ++p;
+    return *p == 0;
+}
+
+constexpr const char* month_names[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+bool date_fits(const char* text) {
+    char copy[128];
+    std::size_t length = 0;
+    while (length < 127 && text[length]) {
+        copy[length] = text[length];
+        ++length;
+    }
+    copy[length] = 0;
+
+    int day = 0, month = 0, year = 0;
+    char* separator = std::strchr(copy, ':');
+    if (!separator) separator = std::strchr(copy, '.');
+    if (separator) {
+        *separator = 0;
+        char* month_text = separator + 1;
+        char* second = std::strpbrk(month_text, ":.");
+        if (!second) return false;
+        *second = 0;
+        if (!date_field(copy, day) || !date_field(month_text, month) ||
+            !date_field(second + 1, year))
+            return false;
+    } else {
+        char words[3][32];
+        if (!three_words(copy, words)) return false;
+        if (!date_field(words[0], day) || !date_field(words[2], year)) return false;
+        month = 0;
+        for (int m = 0; m < 12 && !month; ++m)
+            if (std::strcmp(words[1], month_names[m]) == 0) month = m + 1;
+        if (!month && !date_field(words[1], month)) return false;
+    }
+
+    if (month != -1 && (month < 1 || month > 12)) return false;
+    if (day != -1 && (day < 1 || day > 31)) return false;
+    if (year != -1 && year < 1901) return false;
+    if (day == -1 && month == -1 && year == -1) return false;
+    if (day == -1 || month == -1) return true;
+
+    // The date must exist in local time: midnight of it, to time and back, keeps its fields.
+    // February 29 of ANY year is taken in 2000, a leap year.
+    std::tm wanted{};
+    wanted.tm_mday = day;
+    wanted.tm_mon = month - 1;
+    wanted.tm_year = (year == -1 ? 2000 : year) - 1900;
+    wanted.tm_isdst = -1;
+    std::tm asked = wanted;
+    std::int64_t time = os::mktime64(&asked);
+    if (time < 1) time = os::time_now();
+    std::tm back{};
+    if (!mix_n::localtime_r(&time, &back)) return false;
+    return back.tm_year == wanted.tm_year && back.tm_mon == wanted.tm_mon &&
+           back.tm_mday == wanted.tm_mday;
+}
+
+bool bandwidth_fits(const char* text) {
+    if (std::strcmp(text, "Unlimited") == 0) return true;
+    std::size_t length = std::strlen(text);
+    if (length >= 32) return false;
+    char cut[32];
+    std::memcpy(cut, text, length + 1);
+    if (char* dot = std::strchr(cut, '.')) *dot = 0;
+    std::int64_t number = 0;
+    return mix_n::parse_formatted_integer_string(cut, number);
+}
+
+bool has_non_space(const char* text) {
+    for (const char* p = text; *p; ++p)
+        if (!is_space(*p)) return true;
+    return false;
+}
+
+bool full_path_fits(const char* text) {
+    if (text[0] == '[')
+        return std::strncmp(text, xmc_n::install_tmp_prefix,
+                            std::strlen(xmc_n::install_tmp_prefix)) == 0;
+    return path_n::is_full_path_name(text);
+}
+
+} // namespace
+
+// A null text is taken as empty, except by MultiEntry, where null is named on its own.
+bool xmc_enum_c::data_fits_type(const char* text, std::uint32_t type_position,
+                                std::uint32_t enum_index, const xml_item_c* item) {
+    const char* t = text ? text : "";
+    std::int64_t number = 0;
+    switch (type_position) {
+    case xmc_n::type_enum:
+        if (enum_index == enum_bandwidth) return bandwidth_fits(t);
+        return find_item(enum_index, t) != not_found;
+    case xmc_n::type_number: return mix_n::parse_formatted_integer_string(t, number);
+    case xmc_n::type_bool:
+        return std::strcmp(t, mix_n::True) == 0 || std::strcmp(t, mix_n::False) == 0;
+    case xmc_n::type_string: return has_non_space(t);
+    case xmc_n::type_text: return true;
+    case xmc_n::type_full_path: return *t && full_path_fits(t);
+    case xmc_n::type_def_full_path: return !*t || path_n::is_full_path_name(t);
+    case xmc_n::type_ip_addr: return !*t || ip_address_fits(t, item);
+    case xmc_n::type_ip_adr_mask: return !*t || ip_mask_fits(t);
+    case xmc_n::type_date: return date_fits(t);
+    case xmc_n::type_multi_entry: {
+        std::uint32_t entry_enum = enum_none;
+        if (text && find_type(text, entry_enum) != xmc_n::type_unknown) return true;
+        return text && mix_n::parse_formatted_integer_string(text, number);
+    }
+    default: {
+        QVTR_SCOPE(tr, "xmc_enum_c::data_fits_type", "xmc_enums");
+        tr.print(4, __LINE__, "Invalid type value \"%u\"\n", type_position);
+        return false;
+    }
+    }
 }
 
 // ---- the table completed at start-up ----------------------------------------------------------
