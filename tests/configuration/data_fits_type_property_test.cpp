@@ -311,7 +311,7 @@ class utc_c {
   private:
     static void set(const char* zone) {
 #if defined(_WIN32)
-        _putenv_s("TZ", zone);
+        _putenv((std::string("TZ=") + zone).c_str());
         _tzset();
 #else
         if (*zone)

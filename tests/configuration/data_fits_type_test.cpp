@@ -42,7 +42,7 @@ class time_zone_c {
 
     static void set(const char* zone) {
 #if defined(_WIN32)
-        _putenv_s("TZ", zone);
+        _putenv((std::string("TZ=") + zone).c_str());
         _tzset();
 #else
         setenv("TZ", zone, 1);
@@ -51,7 +51,7 @@ class time_zone_c {
     }
     static void unset() {
 #if defined(_WIN32)
-        _putenv_s("TZ", "");
+        _putenv("TZ=");
         _tzset();
 #else
         unsetenv("TZ");
