@@ -6,6 +6,7 @@
 #include "support/trc.h"
 #include "xml/xml_item.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ctime>
@@ -158,11 +159,55 @@ std::uint32_t xmc_enum_c::find_item(std::uint32_t enum_index, const char* item) 
     return not_found;
 }
 
+// Every load of a tree asks this for each `data` item, so the 28 names it knows (16 enumerations,
+// 12 types, all distinct) are one table sorted by the compiler and searched by halves.
+namespace {
+struct type_key_s {
+    std::string_view name;
+    std::uint32_t type;
+    std::uint32_t enum_index;
+};
+constexpr std::size_t type_key_count = xmc_enum_c::enum_count + xmc_n::type_count;
+constexpr std::array<type_key_s, type_key_count> type_keys = [] {
+    std::array<type_key_s, type_key_count> keys{};
+    for (std::uint32_t e = 0; e < xmc_enum_c::enum_count; ++e)
+        keys[e] = {enum_table[e].name, xmc_n::type_enum, e};
+    for (std::uint32_t t = 0; t < xmc_n::type_count; ++t)
+        keys[xmc_enum_c::enum_count + t] = {enum_table[enum_type].items[t].name, t, enum_none};
+    std::sort(keys.begin(), keys.end(),
+              [](const type_key_s& a, const type_key_s& b) { return a.name < b.name; });
+    return keys;
+}();
+constexpr bool strictly_sorted() {
+    for (std::size_t i = 1; i < type_keys.size(); ++i)
+        if (!(type_keys[i - 1].name < type_keys[i].name)) return false;
+    return true;
+}
+static_assert(strictly_sorted(), "type and enumeration names are sorted and distinct");
+} // namespace
+
+// The lengths that the 28 names have: most texts that name nothing are turned away by length.
+constexpr std::size_t longest_type_key = 32;
+constexpr std::uint64_t type_key_lengths = [] {
+    std::uint64_t lengths = 0;
+    for (const type_key_s& key : type_keys) lengths |= std::uint64_t{1} << key.name.size();
+    return lengths;
+}();
+static_assert(type_key_lengths >> longest_type_key == 0, "every name is shorter than 32");
+
 std::uint32_t xmc_enum_c::find_type(const char* type_name, std::uint32_t& enum_index) {
-    enum_index = find_enum(type_name);
-    if (enum_index != enum_none) return xmc_n::type_enum;
-    std::uint32_t position = find_item(enum_type, type_name);
-    return position == not_found ? static_cast<std::uint32_t>(xmc_n::type_unknown) : position;
+    enum_index = enum_none;
+    if (!type_name) return xmc_n::type_unknown;
+    std::size_t length = 0;
+    while (length <= longest_type_key && type_name[length]) ++length;
+    if (length > longest_type_key || !(type_key_lengths >> length & 1)) return xmc_n::type_unknown;
+    std::string_view name(type_name, length);
+    auto found = std::lower_bound(
+        type_keys.begin(), type_keys.end(), name,
+        [](const type_key_s& key, std::string_view wanted) { return key.name < wanted; });
+    if (found == type_keys.end() || found->name != name) return xmc_n::type_unknown;
+    enum_index = found->enum_index;
+    return found->type;
 }
 
 // ---- the type gate ----------------------------------------------------------------------------

@@ -48,9 +48,9 @@ static_assert(std::string_view(xmc_n::type_names[xmc_n::type_multi_entry]) == "M
 namespace xmc_n {
 
 item_kind_t kind_of_element(const char* name) {
-    if (same(name, element_data)) return kind_data;
-    if (same(name, element_object)) return kind_object;
-    if (same(name, element_title)) return kind_title;
+    if (is_word(name, "data")) return kind_data;
+    if (is_word(name, "object")) return kind_object;
+    if (is_word(name, "title")) return kind_title;
     return kind_other;
 }
 

@@ -55,6 +55,15 @@ enum item_kind_t : std::uint32_t {
     kind_other = 4,    // definitions, enums, enum, objects, commnent, conditions, switches
 };
 
+// Whether `text` is exactly `word`: byte by byte, stopping at the first difference, as the names
+// compared on every item of a load mostly differ in their first byte. Null is no word.
+template <std::size_t N> inline bool is_word(const char* text, const char (&word)[N]) {
+    if (!text) return false;
+    for (std::size_t i = 0; i < N; ++i)
+        if (text[i] != word[i]) return false;
+    return true;
+}
+
 // The kind an element name gives an item before any attribute is set: `data` 2, `object` 1,
 // `title` 0, anything else (null included) 4. Only `external` later turns 1 into 3.
 item_kind_t kind_of_element(const char* name);

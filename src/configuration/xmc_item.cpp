@@ -91,7 +91,7 @@ labeled_value_c* xmc_item_c::_attribute_hook(labeled_value_c* attribute) {
         const char* type_text = attribute->to_text();
         std::uint32_t found_enum = xmc_enums_n::enum_none;
         value_type = *type_text ? xmc_enum_c::find_type(type_text, found_enum)
-                           : static_cast<std::uint32_t>(xmc_n::type_unknown);
+                                : static_cast<std::uint32_t>(xmc_n::type_unknown);
         enum_index = found_enum;
     }
     return attribute;
@@ -132,6 +132,10 @@ labeled_value_c* xmc_item_c::set_attribute(const char* attr_label, bool value) {
 }
 labeled_value_c* xmc_item_c::set_attribute(const labeled_value_c* source) {
     return _attribute_hook(xml_item_c::set_attribute(source));
+}
+
+labeled_value_c* xmc_item_c::add_new_attribute(std::string_view name, std::string_view value) {
+    return _attribute_hook(attributes.append(new labeled_value_c(name, value)));
 }
 
 // A canonical item is read by position; array_ct::at traces the bounds of an item that lost
@@ -307,8 +311,24 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
         return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(item) | (plain ? 1 : 0));
     }
 
+    // A name whose bit is not yet set among this element's names is new, and is appended
+    // without set_attribute's search; the others take the search, as a repeated name must.
     void add_attribute(void* element, std::string_view name, std::string_view value) override {
-        item(element)->set_attribute(name.data(), value.data());
+        xml_item_c* target = item(element);
+        if (target != _seen_owner) {
+            _seen_owner = target;
+            _seen = 0;
+        }
+        std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name.data());
+        bool surely_new = !(_seen & bit);
+        _seen |= bit;
+        bool plain = (reinterpret_cast<std::uintptr_t>(element) & 1) != 0;
+        if (!surely_new)
+            target->set_attribute(name.data(), value.data());
+        else if (plain)
+            target->attributes.append(new labeled_value_c(name, value));
+        else
+            static_cast<xmc_item_c*>(target)->add_new_attribute(name, value);
     }
 
     void set_text(void* element, const char* text) override {
@@ -322,6 +342,9 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
     xmc_item_c* root = nullptr;
 
   private:
+    xml_item_c* _seen_owner = nullptr;
+    std::uint64_t _seen = 0;
+
     static xml_item_c* item(void* element) {
         return reinterpret_cast<xml_item_c*>(reinterpret_cast<std::uintptr_t>(element) &
                                              ~std::uintptr_t{1});

@@ -13,6 +13,7 @@
 #include "xml/xml_tree_templ.h"
 
 #include <cstdint>
+#include <string_view>
 
 class xmc_item_c : public xml_item_c {
   public:
@@ -39,6 +40,10 @@ class xmc_item_c : public xml_item_c {
     labeled_value_c* set_attribute(const char* attr_label, char value) override;
     labeled_value_c* set_attribute(const char* attr_label, bool value) override;
     labeled_value_c* set_attribute(const labeled_value_c* source) override;
+
+    // For a loader that knows `name` is not yet among the attributes: appends it without the
+    // search of set_attribute, and lets the item learn from it as set_attribute does.
+    labeled_value_c* add_new_attribute(std::string_view name, std::string_view value);
 
     // The `val` attribute of this `data` item when its `label` is `data_label`; null otherwise,
     // for a null argument, and for any other kind.
