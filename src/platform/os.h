@@ -330,6 +330,12 @@ HANDLE FindFirstFileTransactedW(const wide_char* pattern, FINDEX_INFO_LEVELS lev
 std::uint64_t current_thread_id();
 std::uint64_t current_process_id();
 bool local_time(std::int64_t time, std::tm* result);
+// Local broken-down time to seconds since 1970, as _mktime64 of the Windows runtime: the fields
+// are normalised, and the result is -1 outside midnight 1 January 1970 to the end of 31 December
+// 3000, UTC, on both platforms.
+std::int64_t mktime64(std::tm* local);
+// Seconds since 1970 now.
+std::int64_t time_now();
 // True when the process has a console (a terminal on its standard error).
 bool has_console();
 // The absolute path of the running executable, UTF-8, empty when unknown.
