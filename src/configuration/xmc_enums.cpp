@@ -160,7 +160,7 @@ std::uint32_t xmc_enum_c::find_item(std::uint32_t enum_index, const char* item) 
 }
 
 // Every load of a tree asks this for each `data` item, so the 28 names it knows (16 enumerations,
-// 12 types, all distinct) are one table sorted by the compiler and searched by halves.
+// 12 types, all distinct) are one table sorted by the compiler, placed in slots below.
 namespace {
 struct type_key_s {
     std::string_view name;
@@ -186,28 +186,62 @@ constexpr bool strictly_sorted() {
 static_assert(strictly_sorted(), "type and enumeration names are sorted and distinct");
 } // namespace
 
-// The lengths that the 28 names have: most texts that name nothing are turned away by length.
-constexpr std::size_t longest_type_key = 32;
-constexpr std::uint64_t type_key_lengths = [] {
-    std::uint64_t lengths = 0;
-    for (const type_key_s& key : type_keys) lengths |= std::uint64_t{1} << key.name.size();
-    return lengths;
+// The 28 names in a table of 64 slots, placed by their length and three of their bytes (the
+// first, the middle and the last) with factors chosen so that no two names share a slot, which
+// the compiler proves: a lookup is one mix of four numbers and at most one comparison, and a text
+// that names nothing mostly meets an empty slot.
+namespace {
+constexpr std::size_t type_slot_count = 64;
+
+struct type_slot_factors_s {
+    std::uint32_t length, first, middle;
+};
+constexpr type_slot_factors_s type_factors{1, 12, 39};
+
+constexpr std::size_t type_slot(std::string_view name) {
+    auto byte = [&](std::size_t i) { return static_cast<unsigned char>(name[i]); };
+    std::size_t n = name.size();
+    return (n * type_factors.length + byte(0) * type_factors.first +
+            byte(n / 2) * type_factors.middle + byte(n - 1)) %
+           type_slot_count;
+}
+
+constexpr bool type_slots_distinct() {
+    bool used[type_slot_count] = {};
+    for (const type_key_s& key : type_keys) {
+        std::size_t slot = type_slot(key.name);
+        if (used[slot]) return false;
+        used[slot] = true;
+    }
+    return true;
+}
+static_assert(type_slots_distinct(), "the type and enumeration names have slots of their own");
+
+// Each slot holds the position of its name in type_keys plus one, 0 when empty.
+constexpr std::array<std::uint8_t, type_slot_count> type_slots = [] {
+    std::array<std::uint8_t, type_slot_count> slots{};
+    for (std::size_t i = 0; i < type_keys.size(); ++i)
+        slots[type_slot(type_keys[i].name)] = static_cast<std::uint8_t>(i + 1);
+    return slots;
 }();
-static_assert(type_key_lengths >> longest_type_key == 0, "every name is shorter than 32");
+
+constexpr std::size_t longest_type_key = 32;
+static_assert(std::all_of(type_keys.begin(), type_keys.end(),
+                          [](const type_key_s& key) { return key.name.size() < longest_type_key; }),
+              "every name is shorter than 32");
+} // namespace
 
 std::uint32_t xmc_enum_c::find_type(const char* type_name, std::uint32_t& enum_index) {
     enum_index = enum_none;
-    if (!type_name) return xmc_n::type_unknown;
+    if (!type_name || !*type_name) return xmc_n::type_unknown;
     std::size_t length = 0;
     while (length <= longest_type_key && type_name[length]) ++length;
-    if (length > longest_type_key || !(type_key_lengths >> length & 1)) return xmc_n::type_unknown;
+    if (length > longest_type_key) return xmc_n::type_unknown;
     std::string_view name(type_name, length);
-    auto found = std::lower_bound(
-        type_keys.begin(), type_keys.end(), name,
-        [](const type_key_s& key, std::string_view wanted) { return key.name < wanted; });
-    if (found == type_keys.end() || found->name != name) return xmc_n::type_unknown;
-    enum_index = found->enum_index;
-    return found->type;
+    std::uint8_t slot = type_slots[type_slot(name)];
+    if (slot == 0 || type_keys[slot - 1].name != name) return xmc_n::type_unknown;
+    enum_index = type_keys[slot - 1].enum_index;
+    return type_keys[slot - 1].type;
 }
 
 // ---- the type gate ----------------------------------------------------------------------------
