@@ -6,6 +6,7 @@
 
 #include "utl/container_temp.h"
 #include "utl/utl_stream.h"
+#include "xml/xml_item.h"
 
 #include <cstdint>
 
@@ -35,6 +36,13 @@ class xmc_validity_c {
 // Appends a finding of `code` about `name`.
 void add_record(xmc_validity_c& validity, const char* name, std::uint32_t code,
                 std::uint64_t host = 0, std::uint64_t item = ch_data_s::no_item);
+
+// Appends a finding about a tree item: its dotted path as the name, as host the `Index` of the
+// host object (`ReplNode`) it stands under (0 for none), as item the position of the root
+// directory (`RootDir`) it stands under among that one's siblings, and `extra`, when not empty,
+// as the peer name. A null item adds nothing.
+void report_item(xmc_validity_c& validity, const xml_item_c* tree_item, std::uint32_t code,
+                 const char* extra = nullptr);
 
 // Appends the finding's line: who (scenario, master or replica #n), the root directory if any,
 // the name (and its peer), and the text of the finding, then a line feed.

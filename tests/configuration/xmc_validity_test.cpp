@@ -1,10 +1,13 @@
 // Findings: add_record keeps them in order, print_record writes the owner, the root directory,
 // the names and the message of the code (or the finding's own text for code 36).
 #include "configuration/xmc_validity.h"
+
+#include "configuration/xmc_item.h"
 #include "utl/message_store.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -99,4 +102,89 @@ TEST_F(xmc_validity_test, add_record_keeps_the_findings_in_order) {
     EXPECT_EQ(second->item, 1u);
     EXPECT_EQ(second->code, 13u);
     EXPECT_EQ(validity.findings.first()->item, ch_data_s::no_item);
+}
+
+namespace {
+
+// A scenario with a master (Index 1) and, below it, a replica (Index 3) with two root
+// directories.
+const char* const hosts_document = R"(<?xml version="1.0"?>
+<object label="Scenario" id="1">
+  <data label="Name" val="finance" type="String"/>
+  <object label="ReplNode" id="2">
+    <title label="Host">
+      <data label="Index" val="1" type="Number"/>
+    </title>
+    <object label="ReplNode" id="2">
+      <data label="Index" val="3" type="Number"/>
+      <object label="RootDirs" id="5">
+        <object label="RootDir" id="6"><data label="Path" val="a" type="String"/></object>
+        <object label="RootDir" id="6"><data label="Path" val="b" type="String"/></object>
+      </object>
+    </object>
+  </object>
+</object>)";
+
+// The first item, in pre-order, whose `label` attribute is `label` and whose `val` is `val`
+// (any `val` when null).
+xml_item_c* item_of(xml_item_c* root, const char* label, const char* val) {
+    for (xml_item_c* item = root; item; item = xmc_tree_n::next_item(item, root)) {
+        labeled_value_c* l = item->find_attribute("label");
+        labeled_value_c* v = item->find_attribute("val");
+        if (l && std::string(l->to_text()) == label &&
+            (!val || (v && std::string(v->to_text()) == val)))
+            return item;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+TEST_F(xmc_validity_test, report_item_below_a_root_directory_names_its_position_and_host) {
+    mixed_xmc_xml_tree_c tree;
+    ASSERT_TRUE(tree.load_from_str(hosts_document));
+    xml_item_c* path_b = item_of(tree.get_root(), "Path", "b");
+    ASSERT_NE(path_b, nullptr);
+    xmc_validity_c validity;
+    report_item(validity, path_b, 12, "b");
+    ASSERT_EQ(validity.findings.get_count(), 1u);
+    ch_data_s* finding = validity.findings.first();
+    EXPECT_EQ(finding->host, 3u);
+    EXPECT_EQ(finding->item, 1u);
+    EXPECT_EQ(finding->code, 12u);
+    utl_stream_c path;
+    EXPECT_STREQ(finding->name.c_str(), path_b->get_path(path));
+    EXPECT_STREQ(finding->peer_name.c_str(), "b");
+}
+
+TEST_F(xmc_validity_test, report_item_stops_at_the_nearest_host_and_reads_its_index_below_a_title) {
+    mixed_xmc_xml_tree_c tree;
+    ASSERT_TRUE(tree.load_from_str(hosts_document));
+    xml_item_c* master_index = item_of(tree.get_root(), "Index", "1");
+    ASSERT_NE(master_index, nullptr);
+    xmc_validity_c validity;
+    report_item(validity, master_index, 5);
+    ch_data_s* finding = validity.findings.first();
+    ASSERT_NE(finding, nullptr);
+    EXPECT_EQ(finding->host, 1u);
+    EXPECT_EQ(finding->item, ch_data_s::no_item);
+    EXPECT_STREQ(finding->peer_name.c_str(), "");
+}
+
+TEST_F(xmc_validity_test, report_item_outside_every_host_is_about_the_scenario) {
+    mixed_xmc_xml_tree_c tree;
+    ASSERT_TRUE(tree.load_from_str(hosts_document));
+    xmc_validity_c validity;
+    report_item(validity, item_of(tree.get_root(), "Name", nullptr), 12, "");
+    report_item(validity, tree.get_root(), 0);
+    ASSERT_EQ(validity.findings.get_count(), 2u);
+    EXPECT_EQ(validity.findings.first()->host, 0u);
+    EXPECT_EQ(validity.findings.first()->item, ch_data_s::no_item);
+    EXPECT_EQ(validity.findings.last()->host, 0u);
+}
+
+TEST_F(xmc_validity_test, report_item_of_no_item_adds_nothing) {
+    xmc_validity_c validity;
+    report_item(validity, nullptr, 3, "x");
+    EXPECT_EQ(validity.findings.get_count(), 0u);
 }
