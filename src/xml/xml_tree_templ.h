@@ -303,8 +303,12 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
         item_builder_c(const item_builder_c&) = delete;
         item_builder_c& operator=(const item_builder_c&) = delete;
 
-        void* open_element(const char* name, void* parent) override {
-            T* item = new T(name);
+        void* open_element(std::string_view name, void* parent) override {
+            T* item;
+            if constexpr (std::is_same_v<T, xml_item_c>)
+                item = new T(name);
+            else
+                item = new T(_terminated(_name_copy, name));
             if (parent)
                 _tree.attach(item, static_cast<T*>(parent), true);
             else if (!root)
