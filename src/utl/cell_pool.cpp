@@ -6,20 +6,16 @@
 
 namespace {
 
-constexpr std::size_t head_size = 8;
+constexpr std::size_t head_size = cell_pool_c::head_size;
 constexpr std::size_t first_page_size = 4096;
 constexpr std::size_t largest_page_size = 65536;
-// A cell larger than this gets a page of its own, which dies with it.
-constexpr std::size_t largest_shared_cell = 8192;
 // The count of a page that its pool still fills: far above any number of cells, so that freed
 // cells never bring it to zero; the pool takes the bias off when it lets go.
 constexpr std::uint64_t held = std::uint64_t{1} << 62;
 
-thread_local cell_pool_c* current = nullptr;
-
-std::size_t cell_size(std::size_t size) { return (size + 7) / 8 * 8 + head_size; }
-
 } // namespace
+
+thread_local cell_pool_c* cell_pool_c::_current = nullptr;
 
 struct cell_pool_c::page_s {
     std::atomic<std::uint64_t> live;
@@ -48,9 +44,8 @@ void drop(cell_pool_c::page_s* page, std::uint64_t delta) {
 
 } // namespace
 
-void* cell_pool_n::allocate(std::size_t size) {
-    if (current) return current->allocate(size);
-    char* at = static_cast<char*>(::operator new(cell_size(size)));
+void* cell_pool_n::allocate_from_heap(std::size_t size) {
+    char* at = static_cast<char*>(::operator new(cell_pool_c::cell_size(size)));
     return open_cell(at, nullptr);
 }
 
@@ -71,16 +66,16 @@ char* cell_pool_n::copy_text(const char* text) {
     return static_cast<char*>(std::memcpy(allocate(n), text, n));
 }
 
-cell_pool_c::cell_pool_c() : _next_page_size(first_page_size), _previous(current) {
-    current = this;
+cell_pool_c::cell_pool_c() : _next_page_size(first_page_size), _previous(_current) {
+    _current = this;
 }
 
 cell_pool_c::~cell_pool_c() {
     _let_go();
-    current = _previous;
+    _current = _previous;
 }
 
-void* cell_pool_c::allocate(std::size_t size) {
+void* cell_pool_c::_allocate_apart(std::size_t size) {
     std::size_t need = cell_size(size);
     if (need > largest_shared_cell) {
         page_s* own = new_page(sizeof(page_s) + need, 1);

@@ -26,11 +26,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+
+class cell_pool_c;
 
 namespace cell_pool_n {
 
 // `size` bytes aligned to 8, from the thread's current pool or, without one, from the heap.
-void* allocate(std::size_t size);
+inline void* allocate(std::size_t size);
 // Frees a cell of allocate; null is ignored.
 void release(void* cell) noexcept;
 // A copy of `text` in a new cell; null for null.
@@ -46,11 +49,33 @@ class cell_pool_c {
     cell_pool_c(const cell_pool_c&) = delete;
     cell_pool_c& operator=(const cell_pool_c&) = delete;
 
-    void* allocate(std::size_t size);
+    // The common case inline: a cell that fits the page being filled.
+    void* allocate(std::size_t size) {
+        std::size_t need = cell_size(size);
+        if (need > largest_shared_cell || static_cast<std::size_t>(_end - _next) < need)
+            return _allocate_apart(size);
+        char* at = _next;
+        _next += need;
+        ++_cut;
+        std::memcpy(at, &_page, sizeof _page);
+        return at + head_size;
+    }
+
+    // The thread's current pool, or null.
+    static cell_pool_c* current() noexcept { return _current; }
+
+    static constexpr std::size_t head_size = 8;
+    // A cell larger than this gets a page of its own, which dies with it.
+    static constexpr std::size_t largest_shared_cell = 8192;
+    static constexpr std::size_t cell_size(std::size_t size) {
+        return (size + 7) / 8 * 8 + head_size;
+    }
 
     struct page_s;
 
   private:
+    // A cell of its own page, or the first of a new page.
+    void* _allocate_apart(std::size_t size);
     void _start_page(std::size_t need);
     // Gives up the hold on the page being filled.
     void _let_go();
@@ -62,4 +87,18 @@ class cell_pool_c {
     std::uint64_t _cut = 0;
     std::size_t _next_page_size;
     cell_pool_c* _previous;
+
+    static thread_local cell_pool_c* _current;
 };
+
+namespace cell_pool_n {
+
+// Without a current pool the cell comes from the heap.
+void* allocate_from_heap(std::size_t size);
+
+inline void* allocate(std::size_t size) {
+    if (cell_pool_c* pool = cell_pool_c::current()) return pool->allocate(size);
+    return allocate_from_heap(size);
+}
+
+} // namespace cell_pool_n

@@ -22,6 +22,30 @@ printed_s print_signed(std::int64_t value) {
     return out;
 }
 
+// Copies `n` bytes that need not be terminated. Names and values are mostly a few bytes long:
+// two overlapping moves of a word, or of half a word, cost less than a call of memcpy.
+inline void copy_short(char* to, const char* from, std::size_t n) {
+    if (n >= 8 && n <= 16) {
+        std::uint64_t head, tail;
+        std::memcpy(&head, from, 8);
+        std::memcpy(&tail, from + n - 8, 8);
+        std::memcpy(to, &head, 8);
+        std::memcpy(to + n - 8, &tail, 8);
+    } else if (n >= 4 && n < 8) {
+        std::uint32_t head, tail;
+        std::memcpy(&head, from, 4);
+        std::memcpy(&tail, from + n - 4, 4);
+        std::memcpy(to, &head, 4);
+        std::memcpy(to + n - 4, &tail, 4);
+    } else if (n > 0 && n < 4) {
+        to[0] = from[0];
+        to[n / 2] = from[n / 2];
+        to[n - 1] = from[n - 1];
+    } else if (n > 16) {
+        std::memcpy(to, from, n);
+    }
+}
+
 printed_s print_unsigned(std::uint64_t value) {
     printed_s out;
     std::snprintf(out.text, sizeof out.text, "%llu", static_cast<unsigned long long>(value));
@@ -279,9 +303,21 @@ labeled_value_c::labeled_value_c(const labeled_value_c& other) : value_c(other) 
     _assign_label(other._label);
 }
 
+// The attribute constructor of every load, so it is kept to plain stores: no buffer to give
+// back, and short texts moved without a call.
 labeled_value_c::labeled_value_c(std::string_view label, std::string_view text) {
-    _assign_label(label);
-    _set_text_bytes(text.data(), text.size());
+    std::size_t label_size = label.size() + 1;
+    _label = label_size <= sizeof _inline_label
+                 ? _inline_label
+                 : static_cast<char*>(cell_pool_n::allocate(label_size));
+    copy_short(_label, label.data(), label.size());
+    _label[label.size()] = 0;
+    std::size_t text_size = text.size() + 1;
+    _text = text_size <= sizeof _inline_text ? _inline_text
+                                             : static_cast<char*>(cell_pool_n::allocate(text_size));
+    copy_short(_text, text.data(), text.size());
+    _text[text.size()] = 0;
+    _capacity = text_size;
     _type = type_string;
     _error = false;
 }

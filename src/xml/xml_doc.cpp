@@ -39,8 +39,13 @@ void xml_document_c::new_line(utl_stream_c& stream) { stream.append('\n'); }
 
 // ---- xml_node_builder_c
 
-void* xml_node_builder_c::open_element(const char* name, void* parent) {
-    auto* node = new xml_node_c(name);
+const char* xml_node_builder_c::_terminated(std::string& copy, std::string_view text) {
+    copy.assign(text.data(), text.size());
+    return copy.c_str();
+}
+
+void* xml_node_builder_c::open_element(std::string_view name, void* parent) {
+    auto* node = new xml_node_c(_terminated(_name, name));
     if (_doc->add_node(node, static_cast<xml_node_c*>(parent))) return node;
     delete node;
     return nullptr;
@@ -48,7 +53,8 @@ void* xml_node_builder_c::open_element(const char* name, void* parent) {
 
 void xml_node_builder_c::add_attribute(void* element, std::string_view name,
                                        std::string_view value) {
-    static_cast<xml_node_c*>(element)->add_attribute(name.data(), value.data());
+    static_cast<xml_node_c*>(element)->add_attribute(_terminated(_name, name),
+                                                     _terminated(_value, value));
 }
 
 void xml_node_builder_c::set_text(void* element, const char* text) {

@@ -10,6 +10,8 @@
 #include "xml/xml_reader.h"
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 class xml_document_c;
 
@@ -17,14 +19,19 @@ class xml_document_c;
 class xml_node_builder_c : public xml_builder_i {
   public:
     explicit xml_node_builder_c(xml_document_c* doc) : _doc(doc) {}
-    void* open_element(const char* name, void* parent) override;
+    void* open_element(std::string_view name, void* parent) override;
     void add_attribute(void* element, std::string_view name, std::string_view value) override;
     void set_text(void* element, const char* text) override;
     void set_closed(void* element) override;
     const char* name_of(void* element) override;
 
   private:
+    // The reader's views as texts that end with a 0 byte, as nodes take them.
+    const char* _terminated(std::string& copy, std::string_view text);
+
     xml_document_c* _doc;
+    std::string _name;
+    std::string _value;
 };
 
 class xml_document_c {

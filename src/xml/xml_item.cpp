@@ -16,16 +16,27 @@ bool same_attribute(labeled_value_c& a, labeled_value_c& b) { return a.is_equal(
 
 xml_item_c::xml_item_c(const char* item_label) { set_label(item_label); }
 
+xml_item_c::xml_item_c(std::string_view item_label) { set_label(item_label); }
+
 void xml_item_c::set_label(const char* item_label) {
-    char* old = label != _inline_label ? label : nullptr;
     if (!item_label) {
+        char* old = label != _inline_label ? label : nullptr;
         label = nullptr;
-    } else if (std::size_t n = std::strlen(item_label) + 1; n <= sizeof _inline_label) {
-        std::memmove(_inline_label, item_label, n);
-        label = _inline_label;
-    } else {
-        label = cell_pool_n::copy_text(item_label);
+        cell_pool_n::release(old);
+        return;
     }
+    set_label(std::string_view(item_label));
+}
+
+// The old label is let go only after the copy, since the new one may be a part of it.
+void xml_item_c::set_label(std::string_view item_label) {
+    char* old = label != _inline_label ? label : nullptr;
+    std::size_t n = item_label.size();
+    char* block =
+        n < sizeof _inline_label ? _inline_label : static_cast<char*>(cell_pool_n::allocate(n + 1));
+    std::memmove(block, item_label.data(), n);
+    block[n] = 0;
+    label = block;
     cell_pool_n::release(old);
 }
 

@@ -10,10 +10,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 class xml_item_c : public generic_node_c {
   public:
     explicit xml_item_c(const char* item_label);
+    // An item with the label `item_label`, a text that need not end with a 0 byte.
+    explicit xml_item_c(std::string_view item_label);
     // A copy of label and attributes, and with `deep` of the children; never of any text.
     xml_item_c(const xml_item_c& source, bool deep);
     xml_item_c(const xml_item_c&) = delete;
@@ -74,6 +77,7 @@ class xml_item_c : public generic_node_c {
 
     // Replaces the label; null leaves the item without one.
     void set_label(const char* item_label);
+    void set_label(std::string_view item_label);
 
   protected:
     // Room for the labels of most elements, so that an item costs one allocation.

@@ -64,6 +64,34 @@ const unsigned char* find_tag_stop(const unsigned char* p, const unsigned char* 
         [](unsigned char c) { return c == '>' || is_line_end(c) || c == 0xFF; });
 }
 
+// The high bit of every byte of `w` below `n` (n at most 128), trusted as bytes_equal's.
+word_t bytes_below(word_t w, unsigned char n) { return (w - ones * n) & ~w & (ones * 0x80); }
+
+// Whether a tag can be read where it stands: its text holds no line end (which vanishes from a
+// copied tag), no 0 (which ends a copied tag early) and no 0xFF (which ends the input).
+bool keeps_tag_in_place(unsigned char c) { return c != 0 && !is_line_end(c) && c != 0xFF; }
+
+// The first `>` in [p, end) before any byte that keeps the tag from being read in place, or
+// the first such byte, or end. The word test flags every control byte below 14; those that
+// may stand in a tag (tab, vertical tab, form feed, ...) are passed over one by one.
+const unsigned char* find_plain_tag_end(const unsigned char* p, const unsigned char* end) {
+    for (;;) {
+        p = find_stop(
+            p, end,
+            [](word_t w) {
+                return bytes_equal(w, '>') | bytes_equal(w, 0xFF) | bytes_below(w, 14);
+            },
+            [](unsigned char c) { return c == '>' || c == 0xFF || c < 14; });
+        if (p == end || *p == '>' || !keeps_tag_in_place(*p)) return p;
+        ++p;
+    }
+}
+
+const char* skip_spaces(const char* p) {
+    while (xml_chars_n::is_space(*p)) ++p;
+    return p;
+}
+
 // Removes white space at both ends of `text`, as the stream's trim does.
 void trim(std::string& text) {
     std::size_t end = text.size();
@@ -266,6 +294,13 @@ bool xml_base_reader_c::read_declaration() {
 // empties a stream.
 void xml_base_reader_c::_collect_text() {
     _text.clear();
+    // White space in front of the text would be trimmed away, and mostly there is nothing else
+    // before the next tag: it is passed over without collecting it.
+    {
+        const unsigned char* p = _in;
+        while (p < _in_end && xml_chars_n::is_space(static_cast<char>(*p))) ++p;
+        _in = p;
+    }
     for (;;) {
         const unsigned char* p = _in;
         while (p < _in_end) {
@@ -341,10 +376,117 @@ const char* xml_base_reader_c::_quick_value(bool& has_reference) {
     return begin;
 }
 
+// A tag that lies whole in the window is read where it stands, which saves copying it: its
+// words are views into the window, and nothing is written there, so the input stays as it was
+// read. Each step below gives the outcome that the general steps give the same text; at
+// anything else the tag goes to the token buffer and the general steps take over from there.
+xml_base_reader_c::tag_at_t xml_base_reader_c::_next_tag(const char*& begin, const char*& end) {
+    _cursor = 0;
+    _buffer[0] = 0;
+    if (!_pass_to_tag()) return tag_at_t::none;
+    const unsigned char* p = find_plain_tag_end(_in, _in_end);
+    if (p < _in_end && *p == '>') {
+        begin = reinterpret_cast<const char*>(_in);
+        end = reinterpret_cast<const char*>(p);
+        _in = p + 1;
+        _account_tag(static_cast<std::uint64_t>(end - begin));
+        return tag_at_t::window;
+    }
+    if (!_take_tag_text()) return tag_at_t::none;
+    _buffer[_cursor] = 0;
+    _cursor = 0;
+    return tag_at_t::buffer;
+}
+
+// What _store_run would grow the buffer to for the tag stored in one run.
+void xml_base_reader_c::_account_tag(std::uint64_t length) {
+    if (length < _buffer_size) return;
+    std::uint64_t size = (length + 1 + buffer_step - 1) / buffer_step * buffer_step;
+    _reserve(size);
+    _buffer_size = size;
+}
+
+void xml_base_reader_c::_to_buffer(const char* begin, const char* end, const char* at) {
+    std::memcpy(_buffer.get(), begin, static_cast<std::size_t>(end - begin));
+    _buffer[end - begin] = 0;
+    _cursor = static_cast<std::uint64_t>(at - begin);
+}
+
+// The text of a tag in the window is followed by its `>`, or, for a self-closed element, by the
+// `/` before it: neither is white space, a name character, `=` or `"`, so the scans over those
+// classes stop there without a bound.
+int xml_base_reader_c::_read_in_place(xml_builder_i& builder, frame_s* parent, bool skip_text,
+                                      frame_s& opened, const char* begin, const char* end) {
+    const std::size_t length = static_cast<std::size_t>(end - begin);
+    if (length >= 3 && begin[0] == '!' && begin[1] == '-' && begin[2] == '-')
+        return end[-2] == '-' && end[-1] == '-';
+
+    if (length && begin[0] == '/') {
+        const char* name = skip_spaces(begin + 1);
+        if (name == end) return 0;
+        for (const char* p = name; p < end; ++p)
+            if (xml_chars_n::is_space(*p)) return 0;
+        if (!parent || !parent->element) return 0;
+        const char* open_name = builder.name_of(parent->element);
+        const std::size_t n = static_cast<std::size_t>(end - name);
+        if (!open_name || std::strncmp(open_name, name, n) != 0 || open_name[n] != 0) return 0;
+        parent->closed = true;
+        builder.set_closed(parent->element);
+        return 1;
+    }
+
+    const char* tag_end = end;
+    const bool self_closed = length && end[-1] == '/';
+    if (self_closed) --end;
+    const char* name = skip_spaces(begin);
+    const char* name_end = xml_chars_n::skip_name(name);
+    if (name == end || !xml_chars_n::is_name_start(*name) ||
+        (name_end < end && *name_end != ' ' && *name_end != '\t')) {
+        _to_buffer(begin, tag_end, begin);
+        return -1;
+    }
+    void* element = builder.open_element(std::string_view(name, name_end - name),
+                                         parent ? parent->element : nullptr);
+    if (!element) return 0;
+    frame_s frame{element, false};
+    const char* p = name_end < end ? name_end + 1 : name_end;
+    for (;;) {
+        p = skip_spaces(p);
+        if (p == end) break;
+        const char* attr_end = xml_chars_n::skip_name(p);
+        const char* quote = attr_end + 1;
+        const char* close = nullptr;
+        if (xml_chars_n::is_name_start(*p) && *attr_end == '=' && quote < end && *quote == '"')
+            close = static_cast<const char*>(std::memchr(quote + 1, '"', end - quote - 1));
+        if (!close) {
+            _to_buffer(begin, end, p);
+            return _element_rest(builder, frame, self_closed, skip_text, opened);
+        }
+        std::string_view value(quote + 1, close - quote - 1);
+        if (std::memchr(value.data(), '&', value.size())) {
+            const char* translated = _translator.translate_from_xml(value.data(), value.size());
+            if (!translated) return 0;
+            value = translated;
+        }
+        builder.add_attribute(element, std::string_view(p, attr_end - p), value);
+        p = close + 1;
+    }
+    return _element_done(builder, frame, self_closed, skip_text, opened);
+}
+
 bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool skip_text,
                                   frame_s& opened) {
     opened = frame_s{};
-    if (_is_tag_end() && !_read_tag()) return false;
+    if (_is_tag_end()) {
+        const char* begin = nullptr;
+        const char* end = nullptr;
+        tag_at_t at = _next_tag(begin, end);
+        if (at == tag_at_t::none) return false;
+        if (at == tag_at_t::window) {
+            int done = _read_in_place(builder, parent, skip_text, opened, begin, end);
+            if (done >= 0) return done == 1;
+        }
+    }
     char* text = _buffer.get();
 
     if (text[0] == '!' && text[1] == '-' && text[2] == '-') {
@@ -379,6 +521,12 @@ bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool 
     void* element = builder.open_element(name, parent ? parent->element : nullptr);
     if (!element) return false;
     frame_s frame{element, false};
+    return _element_rest(builder, frame, self_closed, skip_text, opened);
+}
+
+bool xml_base_reader_c::_element_rest(xml_builder_i& builder, frame_s& frame, bool self_closed,
+                                      bool skip_text, frame_s& opened) {
+    void* element = frame.element;
     while (!_is_tag_end()) {
         const char* attr_name = _quick_attribute_name();
         if (!attr_name) {
@@ -403,6 +551,12 @@ bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool 
         }
         builder.add_attribute(element, name_view, value);
     }
+    return _element_done(builder, frame, self_closed, skip_text, opened);
+}
+
+bool xml_base_reader_c::_element_done(xml_builder_i& builder, frame_s& frame, bool self_closed,
+                                      bool skip_text, frame_s& opened) {
+    void* element = frame.element;
     if (!skip_text) {
         _collect_text();
         trim(_text);

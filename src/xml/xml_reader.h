@@ -23,9 +23,10 @@ class xml_node_c;
 class xml_builder_i {
   public:
     virtual ~xml_builder_i() = default;
-    // A new element below `parent` (null at the top); null when the builder refuses it.
-    virtual void* open_element(const char* name, void* parent) = 0;
-    // Name and value are views of texts that end with a 0 byte behind them.
+    // A new element below `parent` (null at the top); null when the builder refuses it. The
+    // name, like the texts of add_attribute, is a view into the reader's input: it need not end
+    // with a 0 byte, and it is gone after the call.
+    virtual void* open_element(std::string_view name, void* parent) = 0;
     virtual void add_attribute(void* element, std::string_view name, std::string_view value) = 0;
     // The element's text, decoded; it makes the element one that holds text.
     virtual void set_text(void* element, const char* text) = 0;
@@ -131,6 +132,25 @@ class xml_base_reader_c {
     // One tag and what it starts, without the children of an element; `opened` receives an
     // element whose children are to be read next.
     bool _read_one(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened);
+
+    // Where the next tag's text is: in the window, between `begin` and `end` (the `>`), when it
+    // lies there whole and has no line end, 0 or 0xFF; otherwise copied to the token buffer.
+    enum class tag_at_t { none, window, buffer };
+    tag_at_t _next_tag(const char*& begin, const char*& end);
+    // The steps of _read_one for a tag in the window: 1 and 0 for true and false, or -1 after
+    // the tag was copied to the token buffer for the general steps, which start afresh.
+    int _read_in_place(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened,
+                       const char* begin, const char* end);
+    // Copies the tag text [begin, end) to the token buffer, with the cursor at `at`.
+    void _to_buffer(const char* begin, const char* end, const char* at);
+    // The token buffer grows for a tag in the window as it would for the same tag copied.
+    void _account_tag(std::uint64_t length);
+    // The attributes of an opened element from the token buffer, and what follows them.
+    bool _element_rest(xml_builder_i& builder, frame_s& frame, bool self_closed, bool skip_text,
+                       frame_s& opened);
+    // Text, closing and the element's frame, once its tag is read.
+    bool _element_done(xml_builder_i& builder, frame_s& frame, bool self_closed, bool skip_text,
+                       frame_s& opened);
 
     const char* _element_name();
     const char* _quick_element_name();

@@ -17,6 +17,7 @@
 
 #include <cstring>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
@@ -43,9 +44,9 @@ template <class T> T* next_in_preorder(T* node, const T* top) {
 
 // One of 64 bits for a (non-empty) name, from its first two bytes: the few names of one element
 // mostly differ there, and two that don't are only compared the slow way.
-inline unsigned name_bit(const char* name) {
-    auto first = static_cast<unsigned char>(name[0]);
-    auto second = first ? static_cast<unsigned char>(name[1]) : 0u;
+inline unsigned name_bit(std::string_view name) {
+    auto first = name.empty() ? 0u : static_cast<unsigned char>(name[0]);
+    auto second = name.size() > 1 ? static_cast<unsigned char>(name[1]) : 0u;
     return (first * 31u + second) & 63u;
 }
 
@@ -302,8 +303,12 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
         item_builder_c(const item_builder_c&) = delete;
         item_builder_c& operator=(const item_builder_c&) = delete;
 
-        void* open_element(const char* name, void* parent) override {
-            T* item = new T(name);
+        void* open_element(std::string_view name, void* parent) override {
+            T* item;
+            if constexpr (std::is_same_v<T, xml_item_c>)
+                item = new T(name);
+            else
+                item = new T(_terminated(_name_copy, name));
             if (parent)
                 _tree.attach(item, static_cast<T*>(parent), true);
             else if (!root)
@@ -313,12 +318,25 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
             return item;
         }
 
+        // Most attributes are new names of their element: they are appended here at once, and
+        // only a name that may repeat an earlier one takes the longer ways below.
         void add_attribute(void* element, std::string_view name, std::string_view value) override {
             T* item = static_cast<T*>(element);
             if constexpr (std::is_same_v<T, xml_item_c>) {
+                if (item != _seen_owner) {
+                    _seen_owner = item;
+                    _seen = 0;
+                }
+                std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name);
+                bool surely_new = !(_seen & bit);
+                _seen |= bit;
+                if (surely_new && item != _index_owner) {
+                    item->attributes.append(new labeled_value_c(name, value));
+                    return;
+                }
                 if (_indexed(item, name, value)) return;
             }
-            item->set_attribute(name.data(), value.data());
+            _set_attribute(item, name, value);
         }
 
         void set_text(void* element, const char* text) override {
@@ -332,21 +350,11 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
         T* root = nullptr;
 
       private:
-        // set_attribute through a map from label to attribute, once an element has many.
-        bool _indexed(xml_item_c* item, std::string_view name, std::string_view value) {
-            // A name whose bit is not yet set among this element's names is new: it is
-            // appended as set_attribute would append it, without a search.
-            if (item != _seen_owner) {
-                _seen_owner = item;
-                _seen = 0;
-            }
-            std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name.data());
-            bool surely_new = !(_seen & bit);
-            _seen |= bit;
-            if (surely_new && item != _index_owner) {
-                item->attributes.append(new labeled_value_c(name, value));
-                return true;
-            }
+        // set_attribute through a map from label to attribute, once an element has many; false
+        // while the element has too few for a map to pay. Kept out of line, so that the common
+        // case above stays a short call.
+        [[gnu::noinline]] bool _indexed(xml_item_c* item, std::string_view name,
+                                        std::string_view value) {
             if (item != _index_owner) {
                 if (item->attributes.get_count() < xml_tree_n::indexed_attribute_count)
                     return false;
@@ -359,7 +367,7 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
             }
             auto found = _index.find(name);
             if (found != _index.end()) {
-                found->second->set_string(value.data());
+                found->second->set_string(_terminated(_value_copy, value));
                 return true;
             }
             labeled_value_c* made = item->attributes.append(new labeled_value_c(name, value));
@@ -367,11 +375,24 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
             return true;
         }
 
+        // The item's own set_attribute, which wants texts that end with a 0 byte.
+        [[gnu::noinline]] void _set_attribute(T* item, std::string_view name,
+                                              std::string_view value) {
+            item->set_attribute(_terminated(_name_copy, name), _terminated(_value_copy, value));
+        }
+
+        static const char* _terminated(std::string& copy, std::string_view text) {
+            copy.assign(text.data(), text.size());
+            return copy.c_str();
+        }
+
         xml_tree_ct& _tree;
         xml_item_c* _seen_owner = nullptr;
         std::uint64_t _seen = 0;
         xml_item_c* _index_owner = nullptr;
         std::unordered_map<std::string_view, labeled_value_c*> _index;
+        std::string _name_copy;
+        std::string _value_copy;
     };
 
     // A load through a document: `read(doc, builder)` reads into the document's nodes (null

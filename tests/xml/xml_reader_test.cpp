@@ -420,6 +420,57 @@ TEST(xml_reader, file_reader_step_back_across_a_window) {
     EXPECT_EQ(reader.next_char(), 'F');
 }
 
+// A tag is read where it stands in the input, and the input stays as it was: the bytes of a
+// parsed tag read back unchanged.
+TEST(xml_reader, parsed_tag_reads_back_unchanged) {
+    std::string input = decl + "<a b=\"1\" c=\"&amp;\"/>";
+    xml_document_c doc;
+    xml_stream_reader_c reader(input.data(), input.size());
+    reader.set_document(&doc);
+    ASSERT_TRUE(reader.read_declaration());
+    ASSERT_TRUE(reader.read_node(nullptr, true));
+    for (int i = 0; i < 9; ++i) reader.step_back();
+    std::string tail;
+    for (int i = 0; i < 9; ++i) tail += static_cast<char>(reader.next_char());
+    EXPECT_EQ(tail, "\"&amp;\"/>");
+}
+
+// A tag whose attributes leave the common form half way is finished by the general steps, which
+// keep the attributes read so far and read the rest as they always do.
+TEST(xml_reader, attributes_after_a_blank_behind_equals_are_read_on) {
+    std::string body = "<a b=\"1\" c= \"2\"\td=\"3\"e=\"4\"/>";
+    for (bool from_file : {false, true}) {
+        xml_document_c doc;
+        ASSERT_TRUE(from_file ? load_file(doc, decl + body) : load_str(doc, decl + body));
+        ASSERT_NE(doc.get_root(), nullptr);
+        ASSERT_NE(doc.get_root()->attributes, nullptr);
+        pairs_t got;
+        xml_attr_list_c* list = doc.get_root()->attributes;
+        for (xml_attr_c* a = list->first(); a; a = list->next(a))
+            got.emplace_back(a->name, a->value);
+        EXPECT_EQ(got, (pairs_t{{"b", "1"}, {"c", "2"}, {"d", "3"}, {"e", "4"}})) << from_file;
+    }
+}
+
+// Tags that cross from one window of the file reader into the next are copied whole; the tree
+// is the same as from the string, which is one window.
+TEST(xml_reader, tags_across_file_windows_give_the_same_tree) {
+    std::string body = "<r>";
+    for (int i = 0; body.size() < 3 * xml_file_reader_c::window_size; ++i)
+        body +=
+            "<e n=\"" + std::to_string(i) + "\" v=\"x&lt;" + std::string(i % 37, 'y') + "\"/>\n";
+    body += "</r>";
+    temp_dir_c dir;
+    std::string path = dir.join("windows.xml");
+    write_file(path, decl + body);
+    xml_tree_c from_file;
+    xml_tree_c from_string;
+    ASSERT_TRUE(from_file.load(path.c_str()));
+    ASSERT_TRUE(from_string.load_from_str((decl + body).c_str()));
+    EXPECT_TRUE(from_file.is_equal(from_string));
+    EXPECT_GT(get_children_count(from_file.get_root(), false), 1000u);
+}
+
 TEST(xml_reader, open_xml_null_or_empty_is_false_without_message) {
     trace_capture_c capture;
     xml_file_reader_c reader;
