@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -297,7 +298,10 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
   public:
     ~builder_c() override { delete root; }
 
-    void* open_element(const char* name, void* parent) override {
+    // The reader's names and values are views that need not end with a 0 byte: the items' own
+    // constructors and set_attribute get copies that do.
+    void* open_element(std::string_view view, void* parent) override {
+        const char* name = terminated(_name_copy, view);
         if (!parent) {
             if (root) return nullptr;
             root = new xmc_item_c(name);
@@ -320,12 +324,12 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
             _seen_owner = target;
             _seen = 0;
         }
-        std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name.data());
+        std::uint64_t bit = std::uint64_t{1} << xml_tree_n::name_bit(name);
         bool surely_new = !(_seen & bit);
         _seen |= bit;
         bool plain = (reinterpret_cast<std::uintptr_t>(element) & 1) != 0;
         if (!surely_new)
-            target->set_attribute(name.data(), value.data());
+            target->set_attribute(terminated(_name_copy, name), terminated(_value_copy, value));
         else if (plain)
             target->attributes.append(new labeled_value_c(name, value));
         else
@@ -343,6 +347,13 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
     xmc_item_c* root = nullptr;
 
   private:
+    static const char* terminated(std::string& copy, std::string_view text) {
+        copy.assign(text.data(), text.size());
+        return copy.c_str();
+    }
+
+    std::string _name_copy;
+    std::string _value_copy;
     xml_item_c* _seen_owner = nullptr;
     std::uint64_t _seen = 0;
 
