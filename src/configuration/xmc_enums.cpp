@@ -233,11 +233,15 @@ static_assert(std::all_of(type_keys.begin(), type_keys.end(),
 
 std::uint32_t xmc_enum_c::find_type(const char* type_name, std::uint32_t& enum_index) {
     enum_index = enum_none;
-    if (!type_name || !*type_name) return xmc_n::type_unknown;
+    if (!type_name) return xmc_n::type_unknown;
     std::size_t length = 0;
     while (length <= longest_type_key && type_name[length]) ++length;
-    if (length > longest_type_key) return xmc_n::type_unknown;
-    std::string_view name(type_name, length);
+    return find_type(std::string_view(type_name, length), enum_index);
+}
+
+std::uint32_t xmc_enum_c::find_type(std::string_view name, std::uint32_t& enum_index) {
+    enum_index = enum_none;
+    if (name.empty() || name.size() > longest_type_key) return xmc_n::type_unknown;
     std::uint8_t slot = type_slots[type_slot(name)];
     if (slot == 0 || type_keys[slot - 1].name != name) return xmc_n::type_unknown;
     enum_index = type_keys[slot - 1].enum_index;

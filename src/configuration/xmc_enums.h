@@ -48,6 +48,7 @@ class xmc_enum_c {
     // A `type` attribute as its two numbers: an enumeration name gives 0 (`Enum`) and the
     // enumeration's index, a type name its position and 16, anything else 12 and 16.
     static std::uint32_t find_type(const char* type_name, std::uint32_t& enum_index);
+    static std::uint32_t find_type(std::string_view type_name, std::uint32_t& enum_index);
     // Whether `text` is a value of the type at `type_position` (over enumeration `enum_index`
     // for `Enum`); `item` is the item the value belongs to, or null.
     static bool data_fits_type(const char* text, std::uint32_t type_position,

@@ -54,6 +54,13 @@ item_kind_t kind_of_element(const char* name) {
     return kind_other;
 }
 
+item_kind_t kind_of_element(std::string_view name) {
+    if (name == "data") return kind_data;
+    if (name == "object") return kind_object;
+    if (name == "title") return kind_title;
+    return kind_other;
+}
+
 bool is_object_attribute(const char* name) { return among(object_attributes, name); }
 
 bool is_data_attribute(const char* name) { return among(data_attributes, name); }

@@ -67,6 +67,7 @@ template <std::size_t N> inline bool is_word(const char* text, const char (&word
 // The kind an element name gives an item before any attribute is set: `data` 2, `object` 1,
 // `title` 0, anything else (null included) 4. Only `external` later turns 1 into 3.
 item_kind_t kind_of_element(const char* name);
+item_kind_t kind_of_element(std::string_view name);
 
 // ---- data types -------------------------------------------------------------------------------
 // Positions of the twelve types in the enumeration `Type`; 12 is a type name that names nothing.

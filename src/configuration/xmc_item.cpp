@@ -23,6 +23,9 @@ const char* or_empty(const char* text) { return text ? text : ""; }
 xmc_item_c::xmc_item_c(const char* item_label)
     : xml_item_c(item_label), kind(xmc_n::kind_of_element(item_label)) {}
 
+xmc_item_c::xmc_item_c(std::string_view item_label)
+    : xml_item_c(item_label), kind(xmc_n::kind_of_element(item_label)) {}
+
 xmc_item_c::xmc_item_c(const xmc_item_c& source, bool deep)
     : xml_item_c(source, false), kind(source.kind), value_type(source.value_type),
       enum_index(source.enum_index), canonical(source.canonical) {
@@ -76,27 +79,30 @@ std::uint64_t xmc_item_c::get_label_length() const {
 // data item only `type` counts: arriving third after `label` and `val` it makes the item
 // canonical, and its text gives the value type. A later attribute never clears `canonical`.
 labeled_value_c* xmc_item_c::_attribute_hook(labeled_value_c* attribute) {
-    if (!attribute) return attribute;
-    const char* name = attribute->get_label();
+    if (attribute) _learn(or_empty(attribute->get_label()), attribute, nullptr);
+    return attribute;
+}
+
+void xmc_item_c::_learn(std::string_view name, labeled_value_c* attribute,
+                        const std::string_view* value_text) {
     if (kind == xmc_n::kind_object || kind == xmc_n::kind_external) {
-        if (same(name, xmc_n::attr_external)) {
+        if (name == xmc_n::attr_external) {
             kind = xmc_n::kind_external;
-        } else if (same(name, xmc_n::attr_id)) {
+        } else if (name == xmc_n::attr_id) {
             if (attributes.get_count() == 2 &&
                 same(attributes.at(0)->get_label(), xmc_n::attr_label))
                 canonical = true;
         }
-    } else if (kind == xmc_n::kind_data && same(name, xmc_n::attr_type)) {
+    } else if (kind == xmc_n::kind_data && name == xmc_n::attr_type) {
         if (attributes.get_count() == 3 && same(attributes.at(0)->get_label(), xmc_n::attr_label) &&
             same(attributes.at(1)->get_label(), xmc_n::attr_val))
             canonical = true;
-        const char* type_text = attribute->to_text();
+        std::string_view type_text =
+            value_text ? *value_text : std::string_view(attribute->to_text());
         std::uint32_t found_enum = xmc_enums_n::enum_none;
-        value_type = *type_text ? xmc_enum_c::find_type(type_text, found_enum)
-                                : static_cast<std::uint32_t>(xmc_n::type_unknown);
+        value_type = xmc_enum_c::find_type(type_text, found_enum);
         enum_index = found_enum;
     }
-    return attribute;
 }
 
 labeled_value_c* xmc_item_c::set_attribute(const char* attr_label, const char* value) {
@@ -137,7 +143,9 @@ labeled_value_c* xmc_item_c::set_attribute(const labeled_value_c* source) {
 }
 
 labeled_value_c* xmc_item_c::add_new_attribute(std::string_view name, std::string_view value) {
-    return _attribute_hook(attributes.append(new labeled_value_c(name, value)));
+    labeled_value_c* attribute = attributes.append(new labeled_value_c(name, value));
+    _learn(name, attribute, &value);
+    return attribute;
 }
 
 // A canonical item is read by position; array_ct::at traces the bounds of an item that lost
@@ -300,8 +308,7 @@ class mixed_xmc_xml_tree_c::builder_c : public xml_builder_i {
 
     // The reader's names and values are views that need not end with a 0 byte: the items' own
     // constructors and set_attribute get copies that do.
-    void* open_element(std::string_view view, void* parent) override {
-        const char* name = terminated(_name_copy, view);
+    void* open_element(std::string_view name, void* parent) override {
         if (!parent) {
             if (root) return nullptr;
             root = new xmc_item_c(name);

@@ -19,6 +19,7 @@ class xmc_item_c : public xml_item_c {
   public:
     // An item with the kind of its element name: `data` 2, `object` 1, `title` 0, any other 4.
     explicit xmc_item_c(const char* item_label);
+    explicit xmc_item_c(std::string_view item_label);
     // Label, attributes and the four fields as they are, without running the attribute hook;
     // with `deep` the subtree too, plain below an external object and XMC elsewhere.
     xmc_item_c(const xmc_item_c& source, bool deep);
@@ -61,6 +62,10 @@ class xmc_item_c : public xml_item_c {
   private:
     // Runs after every attribute that is set (see the definition).
     labeled_value_c* _attribute_hook(labeled_value_c* attribute);
+    // What the attribute `name` tells the item; its text is read only where it counts, from
+    // `value_text` when the caller has it, else from the attribute.
+    void _learn(std::string_view name, labeled_value_c* attribute,
+                const std::string_view* value_text);
 };
 
 // Walks of a mixed tree: pre-order, never into an external object. `top` bounds the walk.
