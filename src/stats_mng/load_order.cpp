@@ -1,5 +1,6 @@
 #include "stats_mng/load_order.h"
 
+#include "configuration/conf.h"
 #include "configuration/xmc_enums.h"
 #include "files/basic_file.h"
 #include "files/fs_info.h"
@@ -50,6 +51,7 @@ const load_order_n::step_s table[] = {
      stats_saver_ex_n::start_save_section, stats_saver_ex_n::stop_save_section},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
     {7, "the table of host data fields", xmc_enums_n::complete_group_host_data_table, nullptr},
+    {9, "the list of creators", conf_fabric_n::start_fabric, nullptr},
     {11, "an empty global utl_stream_c", build_spare_stream<0>, drop_spare_stream<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},
