@@ -290,8 +290,9 @@ bool xmc_conf_c::_check_data_content(xmc_validity_c* validity, const xml_item_c*
 
 namespace {
 
-// Trivially destructible on purpose: creators register from static constructors of any source
-// unit, in any order, and the list stays until the process ends.
+// Trivially destructible on purpose: creators register from start-up steps on either side of the
+// list's own step, which makes it on first use; the library's unload frees it (the creators are
+// not the list's: each is an object of its own step).
 ptr_list_ct<conf_object_creator_c>* fabric = nullptr;
 
 } // namespace
@@ -302,6 +303,11 @@ ptr_list_ct<conf_object_creator_c>* conf_fabric_n::get_fabric() {
 }
 
 void conf_fabric_n::start_fabric() { get_fabric(); }
+
+void conf_fabric_n::stop_fabric() {
+    delete fabric;
+    fabric = nullptr;
+}
 
 conf_c* conf_fabric_n::create_object(std::uint32_t id, xml_item_c* item) {
     ptr_list_ct<conf_object_creator_c>* list = get_fabric();

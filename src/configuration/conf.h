@@ -93,11 +93,12 @@ class conf_object_creator_c {
 
 namespace conf_fabric_n {
 
-// The list of creators, made on first use (start-up step 9) and kept until the process ends.
+// The list of creators, made on first use (start-up step 9) and kept until the library unloads.
 ptr_list_ct<conf_object_creator_c>* get_fabric();
 // A new object of kind `id` from the first creator of that id; null when there is none.
 conf_c* create_object(std::uint32_t id, xml_item_c* item);
-// Start-up step 9.
+// Start-up step 9, and its undoing at unload.
 void start_fabric();
+void stop_fabric();
 
 } // namespace conf_fabric_n

@@ -350,13 +350,18 @@ class test_creator_c : public conf_object_creator_c {
     int _maker;
 };
 
-test_creator_c first_of_kind(91001, 1);
-test_creator_c second_of_kind(91001, 2);
-test_creator_c other_kind(91002, 3);
+// Creators of a test register for its lifetime; the fabric itself lives from the library's
+// start to its stop.
+struct three_creators_s {
+    test_creator_c first_of_kind{91001, 1};
+    test_creator_c second_of_kind{91001, 2};
+    test_creator_c other_kind{91002, 3};
+};
 
 } // namespace
 
 TEST(conf_fabric, create_object_asks_the_first_creator_of_the_id) {
+    three_creators_s creators;
     std::unique_ptr<conf_c> made(conf_fabric_n::create_object(91001, nullptr));
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->id, 91001u);
@@ -368,10 +373,21 @@ TEST(conf_fabric, create_object_asks_the_first_creator_of_the_id) {
 }
 
 TEST(conf_fabric, the_fabric_is_one_list_with_one_creator_per_id) {
+    three_creators_s creators;
     ptr_list_ct<conf_object_creator_c>* fabric = conf_fabric_n::get_fabric();
     ASSERT_EQ(fabric, conf_fabric_n::get_fabric());
     int of_kind = 0;
     for (conf_object_creator_c* c = fabric->first(); c; c = fabric->next(nullptr))
         of_kind += c->id == 91001;
     EXPECT_EQ(of_kind, 1);
+}
+
+TEST(conf_fabric, a_creator_leaves_the_fabric_with_its_end) {
+    {
+        three_creators_s creators;
+        std::unique_ptr<conf_c> made(conf_fabric_n::create_object(91002, nullptr));
+        EXPECT_NE(made, nullptr);
+    }
+    EXPECT_EQ(conf_fabric_n::create_object(91001, nullptr), nullptr);
+    EXPECT_EQ(conf_fabric_n::create_object(91002, nullptr), nullptr);
 }
