@@ -1,7 +1,10 @@
 // Root directories: one replicated tree of a host, with its path, id, two flags and three
-// filters. root_dir_c is the plain model with the filter logic.
+// filters. root_dir_c is the plain model with the filter logic; xmc_root_dir_c is bound to its
+// `RootDir` item of a scenario's XMC tree, reads itself from the item when it is made, and from
+// then on writes every change through to the items, so that the model and the tree agree.
 #pragma once
 
+#include "configuration/conf.h"
 #include "utl/container.h"
 #include "utl/utl_stream.h"
 
@@ -87,4 +90,47 @@ class root_dir_c {
     filter_c dir_filter{filter_c::type_dir_reg_expr};
     filter_c path_filter{filter_c::type_dir_path};
     filter_c* temporary_filter = nullptr; // owned
+};
+
+// A root directory bound to its `RootDir` item. The items belong to the scenario's tree, which
+// must outlive the object; the tree of the xmc_conf_c part stays empty and serves to link and
+// unlink filter entries and to check the shape of data items.
+class xmc_root_dir_c : public root_dir_c, public xmc_conf_c {
+  public:
+    // Reads the children of the item; a null item gives a root directory bound to nothing.
+    explicit xmc_root_dir_c(xml_item_c* item);
+
+    // `id` is the root directory's: the data `ID`, not the kind of configuration object.
+    using root_dir_c::id;
+
+    // The base's flag, then each bound filter object's `status` made to follow its content.
+    void update_has_filters() override;
+    void copy_filter(std::uint32_t type, const root_dir_c& other) override;
+    void set_path(const char* text) override;
+    void set_db_dir(bool value) override;
+    void set_match_all_kids_volume(bool value) override;
+    void set_id(std::uint32_t value) override;
+    void set_exclude(std::uint32_t type, bool value) override;
+    bool _add_expression(std::uint32_t type, const char* text) override;
+    bool _rem_expression(std::uint32_t type, const char* text) override;
+    ~xmc_root_dir_c() override;
+
+    // Reads a filter object: its `ExcludeFilter` into the flag and the entries of its
+    // `ListFilters` into the filter, as they stand.
+    void _set_filter_content(xml_item_c* item, filter_c& filter);
+
+    // The filter object bound to the filter of `type`, or null.
+    xml_item_c* filter_item_of(std::uint32_t type) const;
+
+    xml_item_c* path_item = nullptr;
+    xml_item_c* db_dir_item = nullptr;
+    xml_item_c* id_item = nullptr;
+    xml_item_c* file_filter_item = nullptr;
+    xml_item_c* dir_filter_item = nullptr;
+    xml_item_c* path_filter_item = nullptr;
+    xml_item_c* match_all_item = nullptr;
+
+  private:
+    // A new `ListFilters` entry with the text under the filter object's list.
+    void _append_entry(xml_item_c* list, const char* text);
 };
