@@ -186,6 +186,21 @@ xml_item_c* xmc_tree_n::next_item(xml_item_c* item, const xml_item_c* top) {
     return nullptr;
 }
 
+const char* xmc_tree_n::label_of(const xml_item_c* item) {
+    labeled_value_c* label = item ? item->find_attribute(xmc_n::attr_label) : nullptr;
+    return label ? label->to_text() : nullptr;
+}
+
+bool xmc_tree_n::is_object(const xml_item_c* item) {
+    const xmc_item_c* typed = xmc_item_c::as_xmc(item);
+    return typed && (typed->kind == xmc_n::kind_object || typed->kind == xmc_n::kind_external);
+}
+
+bool xmc_tree_n::is_object_labelled(const xml_item_c* item, const char* label) {
+    const char* own = is_object(item) ? label_of(item) : nullptr;
+    return own && label && std::strcmp(own, label) == 0;
+}
+
 // ---- mixed_xmc_xml_tree_c ---------------------------------------------------------------------
 
 namespace {

@@ -72,6 +72,12 @@ class xmc_item_c : public xml_item_c {
 namespace xmc_tree_n {
 // The next item after `item` in pre-order, not entering the children of kind 3 items.
 xml_item_c* next_item(xml_item_c* item, const xml_item_c* top);
+// The text of the item's `label` attribute, or null.
+const char* label_of(const xml_item_c* item);
+// Whether the item is an object, kind 1 or 3; below an external object no item is one.
+bool is_object(const xml_item_c* item);
+// Whether the item is an object labelled `label`, byte for byte.
+bool is_object_labelled(const xml_item_c* item, const char* label);
 } // namespace xmc_tree_n
 
 class mixed_xmc_xml_tree_c : public xml_tree_ct<xmc_item_c> {

@@ -70,6 +70,8 @@ class value_c {
     type_t get_type() const { return _type; }
     bool get_error() const { return _error; }
     void clear_error() { _error = false; }
+    // Marks the value as failed and leaves its text as it is, for a caller that reports why.
+    void set_error() { _error = true; }
 
   protected:
     void _set_signed(std::int64_t value);
