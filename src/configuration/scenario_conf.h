@@ -10,6 +10,7 @@
 #include "configuration/conf.h"
 #include "configuration/host_index.h"
 #include "configuration/root_dir.h"
+#include "configuration/vnet_mapping.h"
 #include "configuration/xmc_enums.h"
 #include "configuration/xmc_value.h"
 #include "support/thl.h"
@@ -85,6 +86,12 @@ class scenario_conf_c : public xmc_conf_c {
     // The root directory at `position` of the host `host`; null past the end or for a host
     // that is not indexed.
     root_dir_c* get_root_dir(std::uint64_t position, std::uint64_t host) const;
+
+    // The virtual network mappings of the scenario (host 0) or of a host's switchover, read
+    // into `list`, which is emptied first and owns the records. False only when the list item
+    // is not there.
+    bool get_hyper_v_vm_network_mapping_list(ptr_list_ct<vm_network_mapping_s>& list,
+                                             std::uint64_t host) const;
 
     // The name of the scenario for messages: its `ScenarioName`, or "UnKnown".
     const char* _scenario_name(utl_stream_c& stream) const;
