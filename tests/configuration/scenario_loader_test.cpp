@@ -37,6 +37,15 @@ class scenario_loader_test : public ::testing::Test {
     std::string message(const scenario_load_result_s& result) {
         return result.message.c_str() ? result.message.c_str() : "";
     }
+    // That the load of `path` failed with `status` at `line` (0: none), saying `what`.
+    void expect_failure(const scenario_load_result_s& result, scenario_load_status_t status,
+                        std::uint64_t line, const std::string& what) {
+        EXPECT_FALSE(result.ok());
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.line, line);
+        std::string where = line ? ", line " + std::to_string(line) : "";
+        EXPECT_EQ(message(result), "Scenario file \"" + path + "\"" + where + ": " + what);
+    }
     // The fields of the scenario as one text, to see that a failed load changed none.
     std::string fields() {
         return std::to_string(conf.id) + "/" + std::to_string(conf.config_mode) + "/" +
@@ -176,10 +185,7 @@ TEST_F(scenario_loader_test, a_file_that_cannot_be_opened_is_unreadable_without_
     trace_capture_c capture;
     path = dir.join("missing.xmc");
     scenario_load_result_s result = scenario_loader_n::load_file(conf, path.c_str());
-    EXPECT_FALSE(result.ok());
-    EXPECT_EQ(result.status, scenario_load_status_t::unreadable);
-    EXPECT_EQ(result.line, 0u);
-    EXPECT_EQ(message(result), "Scenario file \"" + path + "\": the file cannot be opened");
+    expect_failure(result, scenario_load_status_t::unreadable, 0, "the file cannot be opened");
     EXPECT_EQ(conf.tree->get_root(), nullptr);
     std::string line = trace_line(capture.text(), message(result));
     EXPECT_NE(line.find(" level=4 "), std::string::npos) << capture.text();
@@ -187,9 +193,9 @@ TEST_F(scenario_loader_test, a_file_that_cannot_be_opened_is_unreadable_without_
 
 TEST_F(scenario_loader_test, no_path_is_unreadable) {
     EXPECT_EQ(scenario_loader_n::load_file(conf, nullptr).status, scenario_load_status_t::unreadable);
-    scenario_load_result_s result = scenario_loader_n::load_file(conf, "");
-    EXPECT_EQ(result.status, scenario_load_status_t::unreadable);
-    EXPECT_EQ(message(result), "Scenario file \"\": no file is named");
+    path = "";
+    expect_failure(scenario_loader_n::load_file(conf, ""), scenario_load_status_t::unreadable, 0,
+                   "no file is named");
 }
 
 TEST_F(scenario_loader_test, a_directory_is_unreadable) {
@@ -200,17 +206,12 @@ TEST_F(scenario_loader_test, a_directory_is_unreadable) {
 
 TEST_F(scenario_loader_test, an_empty_file_is_no_xml) {
     scenario_load_result_s result = load("");
-    EXPECT_EQ(result.status, scenario_load_status_t::not_xml);
-    EXPECT_EQ(result.line, 0u);
-    EXPECT_EQ(message(result), "Scenario file \"" + path + "\": the file is empty");
+    expect_failure(result, scenario_load_status_t::not_xml, 0, "the file is empty");
 }
 
 TEST_F(scenario_loader_test, a_file_without_a_declaration_is_no_xml_at_line_1) {
     scenario_load_result_s result = load("<object label=\"ConfigDataHolder\" id=\"1\"/>\n");
-    EXPECT_EQ(result.status, scenario_load_status_t::not_xml);
-    EXPECT_EQ(result.line, 1u);
-    EXPECT_EQ(message(result),
-              "Scenario file \"" + path + "\", line 1: no XML declaration at the start");
+    expect_failure(result, scenario_load_status_t::not_xml, 1, "no XML declaration at the start");
 }
 
 TEST_F(scenario_loader_test, a_mismatched_tag_names_the_line_where_reading_stopped) {
@@ -219,9 +220,7 @@ TEST_F(scenario_loader_test, a_mismatched_tag_names_the_line_where_reading_stopp
                                          "  <object label=\"Scenario\" id=\"1000\">\n"
                                          "  </title>\n"
                                          "</object>\n");
-    EXPECT_EQ(result.status, scenario_load_status_t::not_xml);
-    EXPECT_EQ(result.line, 4u);
-    EXPECT_EQ(message(result), "Scenario file \"" + path + "\", line 4: not well-formed XML");
+    expect_failure(result, scenario_load_status_t::not_xml, 4, "not well-formed XML");
 }
 
 TEST_F(scenario_loader_test, an_unclosed_root_names_the_last_line) {
@@ -235,11 +234,9 @@ TEST_F(scenario_loader_test, an_unclosed_root_names_the_last_line) {
 TEST_F(scenario_loader_test, a_file_with_another_root_names_the_roots_line) {
     scenario_load_result_s result =
         load(sd::declaration + "\n<object label=\"Scenario\" id=\"1000\">\n</object>\n");
-    EXPECT_EQ(result.status, scenario_load_status_t::wrong_root);
-    EXPECT_EQ(result.line, 3u);
-    EXPECT_EQ(message(result), "Scenario file \"" + path +
-                                   "\", line 3: the root is not the object ConfigDataHolder "
-                                   "with id 1: <object label=\"Scenario\" id=\"1000\" />");
+    expect_failure(result, scenario_load_status_t::wrong_root, 3,
+                   "the root is not the object ConfigDataHolder with id 1: "
+                   "<object label=\"Scenario\" id=\"1000\" />");
 }
 
 TEST_F(scenario_loader_test, a_holder_of_another_id_kind_or_element_is_another_root) {
@@ -261,11 +258,8 @@ TEST_F(scenario_loader_test, a_holder_without_a_scenario_names_the_holders_line)
     scenario_load_result_s result = load(sd::declaration + "\n" +
                                          "<object label=\"ConfigDataHolder\" id=\"1\">\n" +
                                          sd::data("Version", "5", "Number") + "\n</object>\n");
-    EXPECT_EQ(result.status, scenario_load_status_t::no_scenario);
-    EXPECT_EQ(result.line, 3u);
-    EXPECT_EQ(message(result), "Scenario file \"" + path +
-                                   "\", line 3: the object ConfigDataHolder holds no Scenario "
-                                   "object");
+    expect_failure(result, scenario_load_status_t::no_scenario, 3,
+                   "the object ConfigDataHolder holds no Scenario object");
 }
 
 TEST_F(scenario_loader_test, a_scenario_below_another_item_of_the_holder_is_not_the_stored_one) {
@@ -281,8 +275,8 @@ TEST_F(scenario_loader_test, a_second_scenario_names_its_line) {
         load(sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\">\n" +
              sd::object("Scenario", "1000", "") + "\n" + sd::data("Version", "5", "Number") +
              "\n" + sd::object("Scenario", "1000", "") + "\n</object>\n");
-    EXPECT_EQ(result.status, scenario_load_status_t::several_scenarios);
-    EXPECT_EQ(result.line, 5u);
+    expect_failure(result, scenario_load_status_t::several_scenarios, 5,
+                   "a second Scenario object, where a stored scenario holds one");
 }
 
 TEST_F(scenario_loader_test, a_failed_load_leaves_the_scenario_as_it_was) {
