@@ -225,7 +225,8 @@ TEST_F(xmc_conf_test, an_external_object_without_id_is_code_8) {
 }
 
 // The object check finds no id, but the item is external all the same: no walk enters it.
-TEST_F(xmc_conf_test, an_object_with_label_and_external_but_no_id_is_code_8_and_walked_as_external) {
+TEST_F(xmc_conf_test,
+       an_object_with_label_and_external_but_no_id_is_code_8_and_walked_as_external) {
     xml_item_c* top = item_of("<object label=\"Scenario\" id=\"1\">"
                               "<object label=\"Cdp\" external=\"True\">"
                               "<data label=\"Hidden\" val=\"x\" type=\"String\"/></object>"
@@ -303,10 +304,11 @@ TEST_F(xmc_conf_test, an_empty_val_is_well_formed_and_an_empty_label_is_code_5_b
 
 // Of the attributes a data item must carry, `val` alone may be empty, whatever the type names;
 // an empty `label` or `type`, and an empty `id` on an object, are faults of code 5.
-TEST_F(xmc_conf_test, val_alone_may_be_empty_on_every_type_and_an_empty_label_id_or_type_is_code_5) {
-    for (const char* type : {"Enum", "Number", "Bool", "String", "Text", "FullPath", "DefFullPath",
-                             "IPAddr", "IPAdrMask", "Date", "MultiEntry", "Any", "Product",
-                             "Bandwidth"}) {
+TEST_F(xmc_conf_test,
+       val_alone_may_be_empty_on_every_type_and_an_empty_label_id_or_type_is_code_5) {
+    for (const char* type :
+         {"Enum", "Number", "Bool", "String", "Text", "FullPath", "DefFullPath", "IPAddr",
+          "IPAdrMask", "Date", "MultiEntry", "Any", "Product", "Bandwidth"}) {
         xmc_validity_c validity;
         const char* val = nullptr;
         EXPECT_TRUE(conf._check_data_content(
@@ -332,18 +334,18 @@ TEST_F(xmc_conf_test, val_alone_may_be_empty_on_every_type_and_an_empty_label_id
 
     xmc_validity_c empty_id;
     bool ok = true;
-    EXPECT_STREQ(conf._check_object_content_get_name(
-                     item_of("<object label=\"Report\" id=\"\"/>"), ok, &empty_id),
+    EXPECT_STREQ(conf._check_object_content_get_name(item_of("<object label=\"Report\" id=\"\"/>"),
+                                                     ok, &empty_id),
                  "Report");
     EXPECT_FALSE(ok);
-    EXPECT_EQ(codes(empty_id), (std::vector<std::uint32_t>{5, 8}))
-        << "an empty id is no id either";
+    EXPECT_EQ(codes(empty_id), (std::vector<std::uint32_t>{5, 8})) << "an empty id is no id either";
     EXPECT_EQ(peer_of_first(empty_id), "id");
 }
 
 // `true` and `false` in lower case stand in the template as Bool defaults: the shape check does
 // not look at values, the boolean conversion takes them, the strict value check of Bool does not.
-TEST_F(xmc_conf_test, true_and_false_in_lower_case_pass_the_shape_check_and_convert_but_fit_no_bool) {
+TEST_F(xmc_conf_test,
+       true_and_false_in_lower_case_pass_the_shape_check_and_convert_but_fit_no_bool) {
     for (const char* word : {"true", "false"}) {
         xmc_validity_c validity;
         const char *val = nullptr, *type = nullptr;

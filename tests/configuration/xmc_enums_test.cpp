@@ -571,7 +571,7 @@ bool all_different(std::vector<std::string> names) {
 
 TEST(XmcEnums, RepeatedLabelsAreToldApartByTheirObject) {
     const std::vector<std::string> scenario_scripts = {
-        "ActiveToStandBy", "StandByToActive", "IdentifyTraffic", "OnActive",        "OnStandBy",
+        "ActiveToStandBy", "StandByToActive", "IdentifyTraffic", "OnActive",       "OnStandBy",
         "StopDB",          "StartDB",         "OnSuccessScript", "OnFailureScript"};
     const std::vector<std::string> host_scripts = {
         "SyncScriptBefore", "SyncScriptAfter", "TrigFileScript", "ReportScript",

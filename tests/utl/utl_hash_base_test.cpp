@@ -178,8 +178,8 @@ TEST(utl_hash_base, find_of_a_bucket_outside_the_used_range_gives_null_without_a
 
 TEST(utl_hash_base, find_outside_the_used_range_asks_no_bucket) {
     counting_hash_t hash(101, true);
-    hash.append("", one);  // bucket 0
-    hash.append("a", two); // bucket 98
+    hash.append("", one);     // bucket 0
+    hash.append("a", two);    // bucket 98
     hash.append("ab", three); // bucket 96
     counting_bucket_c::finds_asked = 0;
     EXPECT_EQ(hash.find("b"), nullptr); // 98 + 1 = 99, above the range
