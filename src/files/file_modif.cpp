@@ -17,12 +17,15 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
     QVTR_SCOPE(tr, "FILE_c::open", source);
     position = 0;
     open_flags = flags;
-    utl_stream_c device(new_path);
-    if (strip_qv_volume_suffix(device)) {
-        // A whole volume is opened by the volume paths of this class, which this build lacks.
-        tr.print(QVTR_FAILURE, __LINE__, "Volume files are not supported in this build: %s\n",
-                 new_path);
-        return false;
+    if (names_qv_volume(new_path)) {
+        utl_stream_c device(new_path);
+        if (strip_qv_volume_suffix(device)) {
+            // A whole volume is opened by the volume paths of this class, which this build
+            // lacks.
+            tr.print(QVTR_FAILURE, __LINE__, "Volume files are not supported in this build: %s\n",
+                     new_path);
+            return false;
+        }
     }
     _forget_system_position();
     _last_transfer = transfer_t::none;

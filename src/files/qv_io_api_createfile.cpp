@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -50,10 +51,12 @@ void to_backslash_path(const char* src, utl_stream_c& out) {
     out.append(utl_stream_c::clear_char).append(text.c_str());
 }
 
+bool names_qv_volume(const char* path) {
+    return path && std::string_view(path).ends_with(path_n::volume_pseudo_file);
+}
+
 int strip_qv_volume_suffix(utl_stream_c& path) {
-    const std::size_t suffix_length = path_n::volume_pseudo_file_length;
-    if (path.get_length() < suffix_length || !path.ends_with(path_n::volume_pseudo_file, true))
-        return 0;
+    if (!names_qv_volume(path.c_str())) return 0;
     to_backslash_path(std::string(path.c_str()).c_str(), path);
 
     char local[path_n::path_buffer_size] = {};
@@ -83,11 +86,10 @@ int strip_qv_volume_suffix(utl_stream_c& path) {
 }
 
 int strip_qv_volume_suffix_wide(os::wide_char* path) {
-    const std::u16string suffix = u"$$qv-volume";
-    std::u16string wide(path);
-    if (wide.size() < suffix.size() ||
-        wide.compare(wide.size() - suffix.size(), suffix.size(), suffix) != 0)
-        return 0;
+    // Every open asks, and nearly no path is a volume's: the ending is compared in place.
+    constexpr std::u16string_view suffix = u"$$qv-volume";
+    std::u16string_view wide(path);
+    if (!wide.ends_with(suffix)) return 0;
     utl_stream_c narrow(multi_lang_str_n::to_utf8_string(path).c_str());
     int result = strip_qv_volume_suffix(narrow);
     int size = static_cast<int>(path_n::path_buffer_size);

@@ -13,6 +13,9 @@ void to_backslash_path(const char* src, utl_stream_c& out);
 // 1 when `path` named a volume pseudo-file ("...$$qv-volume") and now names the volume's device;
 // 0, with `path` unchanged, otherwise.
 int strip_qv_volume_suffix(utl_stream_c& path);
+// Whether the path ends with the volume pseudo-file's name: the test that strip_qv_volume_suffix
+// makes first, without a copy of the path.
+bool names_qv_volume(const char* path);
 // The same on a wide path buffer of 4096 units.
 int strip_qv_volume_suffix_wide(os::wide_char* path);
 

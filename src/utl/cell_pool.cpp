@@ -15,7 +15,7 @@ constexpr std::uint64_t held = std::uint64_t{1} << 62;
 
 } // namespace
 
-thread_local cell_pool_c* cell_pool_c::_current = nullptr;
+constinit thread_local cell_pool_c* cell_pool_c::_current = nullptr;
 
 struct cell_pool_c::page_s {
     std::atomic<std::uint64_t> live;

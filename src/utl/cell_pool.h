@@ -88,7 +88,8 @@ class cell_pool_c {
     std::size_t _next_page_size;
     cell_pool_c* _previous;
 
-    static thread_local cell_pool_c* _current;
+    // Constant-initialised, so that reaching it needs no check for a thread's first use.
+    static constinit thread_local cell_pool_c* _current;
 };
 
 namespace cell_pool_n {

@@ -13,11 +13,13 @@ enum : std::uint8_t {
     name_start = 2, // a letter or `_`
     name_char = 4,  // a letter, a digit, `_`, `-`, `.` or `:`
     end = 8,        // the byte 0 that ends a text
+    blank = 16,     // white space but the line ends, which vanish from a tag's text
 };
 
 constexpr std::array<std::uint8_t, 256> make_table() {
     std::array<std::uint8_t, 256> table{};
     for (int c : {' ', '\t', '\n', '\v', '\f', '\r'}) table[c] |= space;
+    for (int c : {' ', '\t', '\v', '\f'}) table[c] |= blank;
     for (int c = 'a'; c <= 'z'; ++c) table[c] |= name_start | name_char;
     for (int c = 'A'; c <= 'Z'; ++c) table[c] |= name_start | name_char;
     for (int c = '0'; c <= '9'; ++c) table[c] |= name_char;
@@ -30,6 +32,7 @@ constexpr std::array<std::uint8_t, 256> make_table() {
 inline constexpr std::array<std::uint8_t, 256> table = make_table();
 
 inline bool is_space(char c) { return table[static_cast<unsigned char>(c)] & space; }
+inline bool is_blank(char c) { return table[static_cast<unsigned char>(c)] & blank; }
 inline bool is_space_or_end(char c) { return table[static_cast<unsigned char>(c)] & (space | end); }
 inline bool is_name_start(char c) { return table[static_cast<unsigned char>(c)] & name_start; }
 inline bool is_name_char(char c) { return table[static_cast<unsigned char>(c)] & name_char; }

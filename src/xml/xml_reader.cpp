@@ -13,78 +13,111 @@
 #include <memory>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr const char* source = "xml_reader";
 
 bool is_line_end(unsigned char c) { return c == '\n' || c == '\r'; }
 
-// Tags are scanned eight bytes at a time: most of a document is tag text, and a call of memchr
-// for each stop byte and each tag costs more than the bytes themselves. A word's bytes are
-// taken in memory order (the targets are little-endian).
-using word_t = std::uint64_t;
-constexpr word_t ones = 0x0101010101010101ull;
+// Scans for the bytes that stop a tag, a value or the text between tags run over whole blocks
+// of the window: most of a document is such runs, and a call of memchr for each stop byte and
+// each tag costs more than the bytes themselves. With SSE2 (every x86-64 target) a block is 16
+// bytes, otherwise a 64-bit word whose bytes are taken in memory order (little-endian targets).
 
-// The high bit of every byte of `w` that equals `c`; above such a byte a few more bits may be
-// set, so only the lowest bit of the result is to be trusted.
-word_t bytes_equal(word_t w, unsigned char c) {
-    word_t x = w ^ (ones * c);
-    return (x - ones) & ~x & (ones * 0x80);
-}
+// A set of stop bytes: the listed ones and, with `controls`, every byte below 14 (the control
+// bytes, among them 0 and the line ends).
+template <bool controls, unsigned char... bytes> struct stop_set_s {
+    static bool has(unsigned char c) { return ((c == bytes) || ...) || (controls && c < 14); }
 
-// The first byte of [p, end) for which `is_stop` holds, or end; `stops(word)` marks such bytes
-// of a word as bytes_equal does.
-template <class Stops, class Is_stop>
-const unsigned char* find_stop(const unsigned char* p, const unsigned char* end, Stops stops,
-                               Is_stop is_stop) {
-    for (; end - p >= 8; p += 8) {
+#if defined(__SSE2__)
+    static constexpr std::size_t block = 16;
+    // A bit for each byte of the block at `p` that is in the set.
+    static unsigned marks(const unsigned char* p) {
+        __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        __m128i m = _mm_setzero_si128();
+        ((m = _mm_or_si128(m, _mm_cmpeq_epi8(v, _mm_set1_epi8(static_cast<char>(bytes))))), ...);
+        if constexpr (controls)
+            m = _mm_or_si128(m, _mm_cmpeq_epi8(_mm_min_epu8(v, _mm_set1_epi8(13)), v));
+        return static_cast<unsigned>(_mm_movemask_epi8(m));
+    }
+    static std::size_t first(unsigned found) {
+        return static_cast<std::size_t>(std::countr_zero(found));
+    }
+#else
+    using word_t = std::uint64_t;
+    static constexpr word_t ones = 0x0101010101010101ull;
+    static constexpr std::size_t block = 8;
+    // The high bit of every byte of `w` that equals `c`; above such a byte a few more bits may
+    // be set, so only the lowest bit of the result is to be trusted.
+    static word_t equal(word_t w, unsigned char c) {
+        word_t x = w ^ (ones * c);
+        return (x - ones) & ~x & (ones * 0x80);
+    }
+    static word_t marks(const unsigned char* p) {
         word_t w;
         std::memcpy(&w, p, sizeof w);
-        if (word_t found = stops(w)) return p + std::countr_zero(found) / 8;
+        word_t m = (equal(w, bytes) | ...);
+        if constexpr (controls) m |= (w - ones * 14) & ~w & (ones * 0x80);
+        return m;
     }
-    while (p < end && !is_stop(*p)) ++p;
+    static std::size_t first(word_t found) {
+        return static_cast<std::size_t>(std::countr_zero(found)) / 8;
+    }
+#endif
+};
+
+// The first byte of [p, end) in the set, or end.
+template <class Set>
+const unsigned char* find_stop(const unsigned char* p, const unsigned char* end) {
+    for (; static_cast<std::size_t>(end - p) >= Set::block; p += Set::block)
+        if (auto found = Set::marks(p)) return p + Set::first(found);
+    while (p < end && !Set::has(*p)) ++p;
     return p;
 }
 
 // The first `<` or 0xFF in [p, end), or end.
 const unsigned char* find_tag_start(const unsigned char* p, const unsigned char* end) {
-    return find_stop(
-        p, end, [](word_t w) { return bytes_equal(w, '<') | bytes_equal(w, 0xFF); },
-        [](unsigned char c) { return c == '<' || c == 0xFF; });
+    return find_stop<stop_set_s<false, '<', 0xFF>>(p, end);
 }
 
 // The first `>`, line end or 0xFF in [p, end), or end.
 const unsigned char* find_tag_stop(const unsigned char* p, const unsigned char* end) {
-    return find_stop(
-        p, end,
-        [](word_t w) {
-            return bytes_equal(w, '>') | bytes_equal(w, '\n') | bytes_equal(w, '\r') |
-                   bytes_equal(w, 0xFF);
-        },
-        [](unsigned char c) { return c == '>' || is_line_end(c) || c == 0xFF; });
+    return find_stop<stop_set_s<false, '>', '\n', '\r', 0xFF>>(p, end);
 }
-
-// The high bit of every byte of `w` below `n` (n at most 128), trusted as bytes_equal's.
-word_t bytes_below(word_t w, unsigned char n) { return (w - ones * n) & ~w & (ones * 0x80); }
 
 // Whether a tag can be read where it stands: its text holds no line end (which vanishes from a
 // copied tag), no 0 (which ends a copied tag early) and no 0xFF (which ends the input).
 bool keeps_tag_in_place(unsigned char c) { return c != 0 && !is_line_end(c) && c != 0xFF; }
 
 // The first `>` in [p, end) before any byte that keeps the tag from being read in place, or
-// the first such byte, or end. The word test flags every control byte below 14; those that
+// the first such byte, or end. The block test flags every control byte below 14; those that
 // may stand in a tag (tab, vertical tab, form feed, ...) are passed over one by one.
 const unsigned char* find_plain_tag_end(const unsigned char* p, const unsigned char* end) {
     for (;;) {
-        p = find_stop(
-            p, end,
-            [](word_t w) {
-                return bytes_equal(w, '>') | bytes_equal(w, 0xFF) | bytes_below(w, 14);
-            },
-            [](unsigned char c) { return c == '>' || c == 0xFF || c < 14; });
-        if (p == end || *p == '>' || !keeps_tag_in_place(*p)) return p;
+        p = find_stop<stop_set_s<true, '>', 0xFF>>(p, end);
+        if (p == end || *p >= 14 || !keeps_tag_in_place(*p)) return p;
         ++p;
     }
+}
+
+// The first byte of [p, end) that may end or spoil an attribute value read in place: `"`, `&`,
+// `>`, a line end, 0 or 0xFF; or end. Other control bytes (a tab) are passed over one by one.
+const unsigned char* find_value_stop(const unsigned char* p, const unsigned char* end) {
+    for (;;) {
+        p = find_stop<stop_set_s<true, '"', '&', '>', 0xFF>>(p, end);
+        if (p == end || *p >= 14 || !keeps_tag_in_place(*p)) return p;
+        ++p;
+    }
+}
+
+// White space that stays in a tag's text: line ends vanish from a copied tag instead.
+const char* skip_blanks(const char* p) {
+    while (xml_chars_n::is_blank(*p)) ++p;
+    return p;
 }
 
 const char* skip_spaces(const char* p) {
@@ -384,6 +417,15 @@ xml_base_reader_c::tag_at_t xml_base_reader_c::_next_tag(const char*& begin, con
     _cursor = 0;
     _buffer[0] = 0;
     if (!_pass_to_tag()) return tag_at_t::none;
+    if (*_in != '!' && *_in != '/') {
+        begin = reinterpret_cast<const char*>(_in);
+        if (const char* last = _scan_element(begin)) {
+            end = last + (_scan.self_closed ? 1 : 0);
+            _in = reinterpret_cast<const unsigned char*>(end) + 1;
+            _account_tag(static_cast<std::uint64_t>(end - begin));
+            return tag_at_t::scanned;
+        }
+    }
     const unsigned char* p = find_plain_tag_end(_in, _in_end);
     if (p < _in_end && *p == '>') {
         begin = reinterpret_cast<const char*>(_in);
@@ -404,6 +446,67 @@ void xml_base_reader_c::_account_tag(std::uint64_t length) {
     std::uint64_t size = (length + 1 + buffer_step - 1) / buffer_step * buffer_step;
     _reserve(size);
     _buffer_size = size;
+}
+
+// The window ends with a 0 byte (or with the 0xFF that cut the input), which stops the scans of
+// names and blanks; values are scanned up to the window's end.
+const char* xml_base_reader_c::_scan_element(const char* begin) {
+    const char* window_end = reinterpret_cast<const char*>(_in_end);
+    const char* p = skip_blanks(begin);
+    if (!xml_chars_n::is_name_start(*p)) return nullptr;
+    const char* name_end = xml_chars_n::skip_name(p);
+    _scan.name = std::string_view(p, static_cast<std::size_t>(name_end - p));
+    _scan.attribute_count = 0;
+    _scan.self_closed = false;
+    p = name_end;
+    if (*p != '>' && *p != '/' && *p != ' ' && *p != '\t') return nullptr;
+    for (;;) {
+        p = skip_blanks(p);
+        if (*p == '>') return p;
+        if (*p == '/') {
+            if (p[1] != '>') return nullptr;
+            _scan.self_closed = true;
+            return p;
+        }
+        if (!xml_chars_n::is_name_start(*p) || _scan.attribute_count == scanned_attributes)
+            return nullptr;
+        const char* attr_end = xml_chars_n::skip_name(p);
+        if (attr_end[0] != '=' || attr_end[1] != '"') return nullptr;
+        const char* value = attr_end + 2;
+        bool has_reference = false;
+        const char* stop = value;
+        for (;;) {
+            stop = reinterpret_cast<const char*>(
+                find_value_stop(reinterpret_cast<const unsigned char*>(stop),
+                                reinterpret_cast<const unsigned char*>(window_end)));
+            if (stop == window_end || *stop != '&') break;
+            has_reference = true;
+            ++stop;
+        }
+        if (stop == window_end || *stop != '"') return nullptr;
+        _scan.attributes[_scan.attribute_count++] = {
+            p, value, static_cast<std::size_t>(attr_end - p),
+            static_cast<std::size_t>(stop - value), has_reference};
+        p = stop + 1;
+    }
+}
+
+bool xml_base_reader_c::_build_scanned(xml_builder_i& builder, frame_s* parent, bool skip_text,
+                                       frame_s& opened) {
+    void* element = builder.open_element(_scan.name, parent ? parent->element : nullptr);
+    if (!element) return false;
+    for (std::size_t i = 0; i < _scan.attribute_count; ++i) {
+        const scanned_attribute_s& a = _scan.attributes[i];
+        std::string_view value(a.value, a.value_length);
+        if (a.has_reference) {
+            const char* translated = _translator.translate_from_xml(value.data(), value.size());
+            if (!translated) return false;
+            value = translated;
+        }
+        builder.add_attribute(element, std::string_view(a.name, a.name_length), value);
+    }
+    frame_s frame{element, false};
+    return _element_done(builder, frame, _scan.self_closed, skip_text, opened);
 }
 
 void xml_base_reader_c::_to_buffer(const char* begin, const char* end, const char* at) {
@@ -482,6 +585,7 @@ bool xml_base_reader_c::_read_one(xml_builder_i& builder, frame_s* parent, bool 
         const char* end = nullptr;
         tag_at_t at = _next_tag(begin, end);
         if (at == tag_at_t::none) return false;
+        if (at == tag_at_t::scanned) return _build_scanned(builder, parent, skip_text, opened);
         if (at == tag_at_t::window) {
             int done = _read_in_place(builder, parent, skip_text, opened, begin, end);
             if (done >= 0) return done == 1;
@@ -641,7 +745,7 @@ bool xml_file_reader_c::_fill() {
     if (!_file.is_open()) return false;
     if (!_window) {
         _window = spare_window ? std::move(spare_window)
-                               : std::make_unique_for_overwrite<unsigned char[]>(window_size + 1);
+                               : std::make_unique_for_overwrite<unsigned char[]>(window_size + 2);
         _window[0] = 0;
     } else if (_in_end > _window.get()) {
         _window[0] = _in_end[-1];
@@ -650,6 +754,7 @@ bool xml_file_reader_c::_fill() {
     if (n <= 0) return false;
     _in = _window.get() + 1;
     _in_end = _in + n;
+    _window[static_cast<std::size_t>(n) + 1] = 0;
     return true;
 }
 

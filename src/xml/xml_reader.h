@@ -78,8 +78,8 @@ class xml_base_reader_c {
     xml_document_c* document = nullptr;
 
   protected:
-    // Makes the next window of input available in [_in, _in_end); false at the end of the
-    // source. Called only when the current window is used up.
+    // Makes the next window of input available in [_in, _in_end), with a 0 byte at _in_end;
+    // false at the end of the source. Called only when the current window is used up.
     virtual bool _fill();
 
     // The inline form of next_char.
@@ -133,14 +133,38 @@ class xml_base_reader_c {
     // element whose children are to be read next.
     bool _read_one(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened);
 
-    // Where the next tag's text is: in the window, between `begin` and `end` (the `>`), when it
+    // Where the next tag's text is: an element of the common form read in one pass over the
+    // window (its parts in _scan); in the window, between `begin` and `end` (the `>`), when it
     // lies there whole and has no line end, 0 or 0xFF; otherwise copied to the token buffer.
-    enum class tag_at_t { none, window, buffer };
+    enum class tag_at_t { none, scanned, window, buffer };
     tag_at_t _next_tag(const char*& begin, const char*& end);
     // The steps of _read_one for a tag in the window: 1 and 0 for true and false, or -1 after
     // the tag was copied to the token buffer for the general steps, which start afresh.
     int _read_in_place(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened,
                        const char* begin, const char* end);
+    // The parts of an element tag of the common form: a name, attributes `name="value"`
+    // separated by blanks, and the end, `>` or `/>`, all in the window and without line ends,
+    // 0 or 0xFF. Nothing is built until the tag is known to be whole, so that a tag of any other
+    // form is read from its start by the steps below, as if this scan had not been.
+    struct scanned_attribute_s {
+        const char* name;
+        const char* value;
+        std::size_t name_length;
+        std::size_t value_length;
+        bool has_reference;
+    };
+    static constexpr std::size_t scanned_attributes = 32;
+    struct scan_s {
+        std::string_view name;
+        std::size_t attribute_count = 0;
+        bool self_closed = false;
+        scanned_attribute_s attributes[scanned_attributes];
+    };
+    // Scans the tag that starts at `begin`; the end of the tag's text (the `>`, or the `/` of
+    // `/>`) when it has the common form, else null.
+    const char* _scan_element(const char* begin);
+    // Builds the element of a scanned tag.
+    bool _build_scanned(xml_builder_i& builder, frame_s* parent, bool skip_text, frame_s& opened);
     // Copies the tag text [begin, end) to the token buffer, with the cursor at `at`.
     void _to_buffer(const char* begin, const char* end, const char* at);
     // The token buffer grows for a tag in the window as it would for the same tag copied.
@@ -168,6 +192,7 @@ class xml_base_reader_c {
     std::uint64_t _cursor = 0;
     xml_special_characters_c _translator;
     std::string _text;
+    scan_s _scan;
 };
 
 class xml_file_reader_c : public xml_base_reader_c {
@@ -189,7 +214,8 @@ class xml_file_reader_c : public xml_base_reader_c {
 
   private:
     FILE_c _file;
-    // One byte of the previous window is kept in front of the new one, for step_back.
+    // One byte of the previous window is kept in front of the new one, for step_back, and a 0
+    // byte behind its end stops the scans that look at one byte at a time.
     std::unique_ptr<unsigned char[]> _window;
 };
 

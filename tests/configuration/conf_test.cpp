@@ -4,6 +4,8 @@
 #include "configuration/conf.h"
 
 #include "common/test_support.h"
+#include "configuration/xmc_enums.h"
+#include "configuration/xmc_value.h"
 
 #include <gtest/gtest.h>
 
@@ -222,6 +224,30 @@ TEST_F(xmc_conf_test, an_external_object_without_id_is_code_8) {
     EXPECT_EQ(codes(validity), (std::vector<std::uint32_t>{8}));
 }
 
+// The object check finds no id, but the item is external all the same: no walk enters it.
+TEST_F(xmc_conf_test,
+       an_object_with_label_and_external_but_no_id_is_code_8_and_walked_as_external) {
+    xml_item_c* top = item_of("<object label=\"Scenario\" id=\"1\">"
+                              "<object label=\"Cdp\" external=\"True\">"
+                              "<data label=\"Hidden\" val=\"x\" type=\"String\"/></object>"
+                              "<data label=\"After\" val=\"y\" type=\"String\"/></object>");
+    ASSERT_NE(top, nullptr);
+    xml_item_c* cdp = top->first_child_item();
+    ASSERT_NE(cdp, nullptr);
+    xmc_validity_c validity;
+    bool ok = true;
+    EXPECT_STREQ(conf._check_object_content_get_name(cdp, ok, &validity), "Cdp");
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(codes(validity), (std::vector<std::uint32_t>{8}));
+    ASSERT_NE(xmc_item_c::as_xmc(cdp), nullptr);
+    EXPECT_EQ(xmc_item_c::as_xmc(cdp)->kind, xmc_n::kind_external);
+    EXPECT_EQ(scratch.find_tree_item("Hidden", false), nullptr);
+    EXPECT_EQ(scratch.find_tree_item("Cdp", true), cdp);
+    EXPECT_NE(scratch.find_tree_item("After", false), nullptr);
+    EXPECT_EQ(xmc_tree_n::next_item(cdp, top), cdp->next_item())
+        << "the walk steps over the external object's content";
+}
+
 TEST_F(xmc_conf_test, an_unknown_attribute_is_code_6_and_a_missing_label_code_7) {
     xmc_validity_c validity;
     bool ok = true;
@@ -274,6 +300,71 @@ TEST_F(xmc_conf_test, an_empty_val_is_well_formed_and_an_empty_label_is_code_5_b
     EXPECT_EQ(peer_of_first(validity), "label");
     ASSERT_NE(label, nullptr);
     EXPECT_STREQ(label, "");
+}
+
+// Of the attributes a data item must carry, `val` alone may be empty, whatever the type names;
+// an empty `label` or `type`, and an empty `id` on an object, are faults of code 5.
+TEST_F(xmc_conf_test,
+       val_alone_may_be_empty_on_every_type_and_an_empty_label_id_or_type_is_code_5) {
+    for (const char* type :
+         {"Enum", "Number", "Bool", "String", "Text", "FullPath", "DefFullPath", "IPAddr",
+          "IPAdrMask", "Date", "MultiEntry", "Any", "Product", "Bandwidth"}) {
+        xmc_validity_c validity;
+        const char* val = nullptr;
+        EXPECT_TRUE(conf._check_data_content(
+            &validity, item_of(std::string("<data label=\"A\" val=\"\" type=\"") + type + "\"/>"),
+            true, nullptr, &val))
+            << type;
+        EXPECT_EQ(validity.findings.get_count(), 0u) << type;
+        ASSERT_NE(val, nullptr) << type;
+        EXPECT_STREQ(val, "") << type;
+    }
+
+    xmc_validity_c empty_type;
+    EXPECT_FALSE(conf._check_data_content(
+        &empty_type, item_of("<data label=\"A\" val=\"1\" type=\"\"/>"), true));
+    EXPECT_EQ(codes(empty_type), (std::vector<std::uint32_t>{5}));
+    EXPECT_EQ(peer_of_first(empty_type), "type");
+
+    xmc_validity_c empty_label;
+    EXPECT_FALSE(conf._check_data_content(
+        &empty_label, item_of("<data label=\"\" val=\"\" type=\"Text\"/>"), false));
+    EXPECT_EQ(codes(empty_label), (std::vector<std::uint32_t>{5}));
+    EXPECT_EQ(peer_of_first(empty_label), "label");
+
+    xmc_validity_c empty_id;
+    bool ok = true;
+    EXPECT_STREQ(conf._check_object_content_get_name(item_of("<object label=\"Report\" id=\"\"/>"),
+                                                     ok, &empty_id),
+                 "Report");
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(codes(empty_id), (std::vector<std::uint32_t>{5, 8})) << "an empty id is no id either";
+    EXPECT_EQ(peer_of_first(empty_id), "id");
+}
+
+// `true` and `false` in lower case stand in the template as Bool defaults: the shape check does
+// not look at values, the boolean conversion takes them, the strict value check of Bool does not.
+TEST_F(xmc_conf_test,
+       true_and_false_in_lower_case_pass_the_shape_check_and_convert_but_fit_no_bool) {
+    for (const char* word : {"true", "false"}) {
+        xmc_validity_c validity;
+        const char *val = nullptr, *type = nullptr;
+        EXPECT_TRUE(conf._check_data_content(
+            &validity,
+            item_of(std::string("<data label=\"UseDHCP\" val=\"") + word + "\" type=\"Bool\"/>"),
+            true, nullptr, &val, &type))
+            << word;
+        EXPECT_EQ(validity.findings.get_count(), 0u) << word;
+        ASSERT_NE(val, nullptr);
+        ASSERT_NE(type, nullptr);
+        std::uint32_t enum_index = 0;
+        std::uint32_t position = xmc_enum_c::find_type(type, enum_index);
+        EXPECT_EQ(position, xmc_n::type_bool);
+        EXPECT_FALSE(xmc_enum_c::data_fits_type(val, position, enum_index, nullptr)) << word;
+        xmc_value_c value(val);
+        EXPECT_EQ(value.to_bool(), std::string(word) == "true") << word;
+        EXPECT_FALSE(value.get_error()) << word;
+    }
 }
 
 TEST_F(xmc_conf_test, the_first_missing_of_label_val_and_type_is_the_finding) {

@@ -109,17 +109,53 @@ TEST(MixedXmcXmlTree, FromDocumentMakesTheSameItemsAsTheDirectLoad) {
     EXPECT_TRUE(tree.is_equal(direct));
 }
 
-TEST(MixedXmcXmlTree, ChildrenOfExternalAreNotXmcItems) {
-    mixed_xmc_xml_tree_c tree;
-    ASSERT_TRUE(tree.load_from_str(scenario_text));
-    xml_item_c* external = nullptr;
+namespace {
+
+// The external object among the root's children, or null.
+xml_item_c* external_of(mixed_xmc_xml_tree_c& tree) {
     for (xml_item_c* at = tree.get_root()->first_child_item(); at; at = at->next_item())
-        if (auto* x = xmc_item_c::as_xmc(at); x && x->kind == 3) external = at;
-    ASSERT_NE(external, nullptr);
-    ASSERT_NE(external->first_child, nullptr);
-    // An object element with label and id below an external object is plain XML all the same.
-    EXPECT_EQ(xmc_item_c::as_xmc(external->first_child), nullptr);
-    EXPECT_STREQ(external->first_child_item()->label, "object");
+        if (auto* x = xmc_item_c::as_xmc(at); x && x->kind == 3) return at;
+    return nullptr;
+}
+
+// Whether any item of the subtree below `top` (not `top` itself) is an xmc_item_c.
+bool has_xmc_below(xml_item_c* top) {
+    for (xml_item_c* at = top->first_child_item(); at;) {
+        if (xmc_item_c::as_xmc(at)) return true;
+        if (at->first_child) {
+            at = at->first_child_item();
+            continue;
+        }
+        while (at != top && !at->next) at = at->parent_item();
+        if (at == top) break;
+        at = at->next_item();
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(MixedXmcXmlTree, ChildrenOfExternalAreNotXmcItems) {
+    xml_document_c doc;
+    ASSERT_TRUE(doc.load_from_str(scenario_text));
+    mixed_xmc_xml_tree_c converted;
+    converted.from_document(&doc);
+    mixed_xmc_xml_tree_c loaded;
+    ASSERT_TRUE(loaded.load_from_str(scenario_text));
+    for (mixed_xmc_xml_tree_c* tree : {&converted, &loaded}) {
+        SCOPED_TRACE(tree == &converted ? "from_document" : "load_from_str");
+        ASSERT_NE(tree->get_root(), nullptr);
+        xml_item_c* external = external_of(*tree);
+        ASSERT_NE(external, nullptr);
+        ASSERT_NE(external->first_child, nullptr);
+        // An object element with label and id below an external object is plain XML all the
+        // same, and so is everything below it.
+        EXPECT_EQ(xmc_item_c::as_xmc(external->first_child), nullptr);
+        EXPECT_STREQ(external->first_child_item()->label, "object");
+        ASSERT_NE(external->first_child_item()->first_child, nullptr);
+        EXPECT_STREQ(external->first_child_item()->first_child_item()->label, "data");
+        EXPECT_FALSE(has_xmc_below(external));
+    }
 }
 
 TEST(MixedXmcXmlTree, WalkDoesNotEnterExternalObjects) {

@@ -431,6 +431,10 @@ TEST(XmcEnums, FindTypeYieldsElevenForAny) {
     std::uint32_t e = 99;
     EXPECT_EQ(xmc_enum_c::find_type("Any", e), 11u);
     EXPECT_EQ(e, 16u);
+    // A declared type that the value check refuses, whatever the text.
+    for (const char* text : {"", "x", "Any", "1", "True"})
+        EXPECT_FALSE(xmc_enum_c::data_fits_type(text, xmc_enum_c::find_type("Any", e), e, nullptr))
+            << text;
 }
 
 TEST(XmcEnums, FindTypeOfNothingKnownIsTwelve) {
@@ -540,19 +544,60 @@ TEST(XmcEnums, VersionIsFixedAndSignatureIsNot) {
     ASSERT_NE(scenario_row("Signature"), nullptr);
     EXPECT_EQ(scenario_row("Signature")->fixed, 0);
     EXPECT_STREQ(group_data_table[0].label, "GroupID");
+    EXPECT_EQ(group_data_table[0].object, row_of("Group"));
     EXPECT_EQ(group_data_table[0].fixed, 1);
     EXPECT_STREQ(group_data_table[5].label, "Signature");
+    EXPECT_EQ(group_data_table[5].object, row_of("Group"));
     EXPECT_EQ(group_data_table[5].fixed, 0);
 }
 
+namespace {
+
+// The owning objects of the rows of a table that carry `label`, in row order.
+template <class Row, std::size_t N>
+std::vector<std::string> objects_with_label(const Row (&table)[N], const char* label) {
+    std::vector<std::string> objects;
+    for (const Row& r : table)
+        if (std::strcmp(r.label, label) == 0) objects.push_back(object_tag_table[r.object].name);
+    return objects;
+}
+
+bool all_different(std::vector<std::string> names) {
+    std::sort(names.begin(), names.end());
+    return std::adjacent_find(names.begin(), names.end()) == names.end();
+}
+
+} // namespace
+
 TEST(XmcEnums, RepeatedLabelsAreToldApartByTheirObject) {
-    std::vector<std::uint32_t> status_objects;
-    for (const scenario_data_s& r : scenario_data_table)
-        if (std::strcmp(r.label, "Path") == 0) status_objects.push_back(r.object);
-    EXPECT_EQ(status_objects.size(), 9u);
-    std::sort(status_objects.begin(), status_objects.end());
-    EXPECT_EQ(std::adjacent_find(status_objects.begin(), status_objects.end()),
-              status_objects.end());
+    const std::vector<std::string> scenario_scripts = {
+        "ActiveToStandBy", "StandByToActive", "IdentifyTraffic", "OnActive",       "OnStandBy",
+        "StopDB",          "StartDB",         "OnSuccessScript", "OnFailureScript"};
+    const std::vector<std::string> host_scripts = {
+        "SyncScriptBefore", "SyncScriptAfter", "TrigFileScript", "ReportScript",
+        "EventNotifScript", "VFStartDBScript", "VFTestDBScript", "OnlineScript",
+        "VFStopDBScript",   "OfflineScript",   "SuspendScript",  "SuspendOfflineScript"};
+    const std::vector<std::string> group_scripts = {"GroupEventNotifScript", "GroupReportScript"};
+    for (const char* label : {"Path", "Args", "DefaultArgs"}) {
+        SCOPED_TRACE(label);
+        EXPECT_EQ(objects_with_label(scenario_data_table, label), scenario_scripts);
+        EXPECT_EQ(objects_with_label(host_data_table, label), host_scripts);
+        EXPECT_EQ(objects_with_label(group_data_table, label), group_scripts);
+    }
+    std::vector<std::string> status = objects_with_label(scenario_data_table, "status");
+    EXPECT_EQ(status.size(), 14u);
+    EXPECT_TRUE(all_different(status));
+    status = objects_with_label(host_data_table, "status");
+    EXPECT_EQ(status.size(), 21u);
+    EXPECT_TRUE(all_different(status));
+    status = objects_with_label(group_data_table, "status");
+    EXPECT_EQ(status.size(), 7u);
+    EXPECT_TRUE(all_different(status));
+    // Within one table the object column alone separates the rows of a label.
+    for (const char* label : {"status", "Path", "Args", "DefaultArgs"}) {
+        EXPECT_TRUE(all_different(objects_with_label(scenario_data_table, label))) << label;
+        EXPECT_TRUE(all_different(objects_with_label(host_data_table, label))) << label;
+    }
 }
 
 TEST(XmcEnums, RowsWithoutATemplateItemStay) {

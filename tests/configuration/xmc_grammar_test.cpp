@@ -151,6 +151,11 @@ TEST(XmcGrammar, ApplicationConditionIsASubstringMatchOnTheWholeVal) {
     EXPECT_TRUE(xmc_n::condition_holds("Application", "HyperV, FullSystem", now));
     EXPECT_TRUE(xmc_n::condition_holds("Application", "FullSystemX", now));
     EXPECT_FALSE(xmc_n::condition_holds("Application", "HyperV", now));
+    // So a `relevant` with that list keeps its parent for FullSystem.
+    EXPECT_FALSE(xmc_n::condition_removes_parent(
+        "relevant", xmc_n::condition_holds("Application", "HyperV, FullSystem", now)));
+    EXPECT_TRUE(xmc_n::condition_removes_parent(
+        "irrelevant", xmc_n::condition_holds("Application", "HyperV, FullSystem", now)));
     now.application = "SQL";
     EXPECT_TRUE(xmc_n::condition_holds("Application", "Exchange,SQL", now));
 }

@@ -79,9 +79,16 @@ TEST(XmcValue, CopyTakesEverythingButTheFlagsAndTheWords) {
 
 TEST(XmcValue, ACopiedNumberReportsOnItsFirstConversionToIntAndStillReturnsIt) {
     xmc_value_c source(1234);
+    ASSERT_FALSE(source.get_error());
     xmc_value_c copy(source);
+    EXPECT_TRUE(copy.get_error()) << "the copy stands with the error flag set";
+    EXPECT_EQ(copy.get_type(), value_c::type_signed);
     EXPECT_EQ(copy.to_int(), 1234);
+    EXPECT_TRUE(copy.get_error());
     EXPECT_EQ(words(copy), "Unable to convert \"1234\" to int, input value is too big");
+    // The source, whose flag is clear, converts without a word.
+    EXPECT_EQ(source.to_int(), 1234);
+    EXPECT_EQ(words(source), "");
 }
 
 TEST(XmcValue, ACopiedStringIsNotAffectedAsTheParseSetsTheFlagAnew) {

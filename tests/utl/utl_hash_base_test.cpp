@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -34,6 +35,30 @@ std::vector<std::string> walk_backward(hash_t& hash) {
     return seen;
 }
 
+// A bucket that counts the questions the hash asks it, so that a test can tell which buckets a
+// look-up visits.
+class counting_bucket_c : public ptr_string_list_c {
+  public:
+    explicit counting_bucket_c(bool with_lock) : ptr_string_list_c(with_lock) {}
+
+    const char* check_names_uniqueness() const override {
+        ++uniqueness_asked;
+        entries_of_asked.push_back(container_n::ptr_list_count_reader_c::count(*this));
+        return ptr_string_list_c::check_names_uniqueness();
+    }
+    const void* find(const char* name, bool case_sensitive) const override {
+        ++finds_asked;
+        return ptr_string_list_c::find(name, case_sensitive);
+    }
+    using ptr_string_list_c::find;
+
+    static inline int uniqueness_asked = 0;
+    static inline std::vector<std::uint64_t> entries_of_asked; // of each bucket asked, in order
+    static inline int finds_asked = 0;
+};
+
+using counting_hash_t = utl_hash_base_ct<counting_bucket_c, const char*>;
+
 } // namespace
 
 TEST(utl_hash_base, a_size_below_ten_becomes_ten) {
@@ -58,6 +83,31 @@ TEST(utl_hash_base, a_null_name_lives_in_the_extra_bucket) {
     EXPECT_STREQ(hash.first(), one);
     EXPECT_EQ(hash.get_current_name(nullptr), nullptr);
     EXPECT_EQ(hash.check_names_uniqueness(), nullptr);
+}
+
+// The uniqueness check asks the used buckets below `size`: the extra bucket of null names is
+// never asked, even when it holds the only entries.
+TEST(utl_hash_base, check_names_uniqueness_does_not_visit_the_extra_bucket) {
+    counting_hash_t hash(101, true);
+    hash.append(nullptr, one);
+    hash.append(nullptr, two);
+    ASSERT_EQ(hash.first_used(), 101u);
+    counting_bucket_c::uniqueness_asked = 0;
+    counting_bucket_c::entries_of_asked.clear();
+    EXPECT_EQ(hash.check_names_uniqueness(), nullptr);
+    EXPECT_EQ(counting_bucket_c::uniqueness_asked, 0);
+
+    hash.append("ab", three); // bucket 96, now the first used
+    ASSERT_EQ(hash.first_used(), 96u);
+    ASSERT_EQ(hash.last_used(), 101u);
+    counting_bucket_c::entries_of_asked.clear();
+    EXPECT_EQ(hash.check_names_uniqueness(), nullptr);
+    // Bucket 96 with its one entry is asked; the extra bucket, the only one with two, is not.
+    const std::vector<std::uint64_t>& asked = counting_bucket_c::entries_of_asked;
+    ASSERT_FALSE(asked.empty());
+    EXPECT_EQ(asked.front(), 1u);
+    EXPECT_EQ(std::count(asked.begin(), asked.end(), 2u), 0);
+    EXPECT_LE(asked.size(), 5u) << "buckets 96 to 100 at most";
 }
 
 TEST(utl_hash_base, bytes_of_0x80_and_above_subtract) {
@@ -124,6 +174,22 @@ TEST(utl_hash_base, find_of_a_bucket_outside_the_used_range_gives_null_without_a
     EXPECT_EQ(hash.current_bucket(), 96u);
     EXPECT_EQ(hash.find(""), nullptr); // bucket 0, below the range
     EXPECT_EQ(hash.current_bucket(), all_bits);
+}
+
+TEST(utl_hash_base, find_outside_the_used_range_asks_no_bucket) {
+    counting_hash_t hash(101, true);
+    hash.append("", one);     // bucket 0
+    hash.append("a", two);    // bucket 98
+    hash.append("ab", three); // bucket 96
+    counting_bucket_c::finds_asked = 0;
+    EXPECT_EQ(hash.find("b"), nullptr); // 98 + 1 = 99, above the range
+    EXPECT_EQ(hash.current_bucket(), all_bits);
+    EXPECT_EQ(counting_bucket_c::finds_asked, 0);
+    // Within the range the name's own bucket is asked, once, hit or miss.
+    EXPECT_STREQ(hash.find("ab"), three);
+    EXPECT_EQ(counting_bucket_c::finds_asked, 1);
+    EXPECT_EQ(hash.find("ba"), nullptr); // bucket 96 as well
+    EXPECT_EQ(counting_bucket_c::finds_asked, 2);
 }
 
 TEST(utl_hash_base, find_in_the_range_that_misses_clears_the_cursor) {

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -469,6 +470,56 @@ TEST(xml_reader, tags_across_file_windows_give_the_same_tree) {
     ASSERT_TRUE(from_string.load_from_str((decl + body).c_str()));
     EXPECT_TRUE(from_file.is_equal(from_string));
     EXPECT_GT(get_children_count(from_file.get_root(), false), 1000u);
+}
+
+// Tags of the common form are read in one pass; each form below leaves it at some point, and
+// the element must come out as the general steps read it: the same attributes in the same order,
+// or the same refusal, from a string and from a file.
+namespace {
+
+// The attributes of the root of `body`, or nothing when it does not load; both sources agree.
+std::optional<pairs_t> root_attributes(const std::string& body) {
+    std::optional<pairs_t> result[2];
+    for (bool from_file : {false, true}) {
+        xml_document_c doc;
+        if (!(from_file ? load_file(doc, decl + body) : load_str(doc, decl + body))) continue;
+        pairs_t got;
+        if (xml_attr_list_c* list = doc.get_root() ? doc.get_root()->attributes : nullptr)
+            for (xml_attr_c* a = list->first(); a; a = list->next(a))
+                got.emplace_back(a->name, a->value);
+        result[from_file] = got;
+    }
+    EXPECT_EQ(result[0], result[1]) << body;
+    return result[0];
+}
+
+} // namespace
+
+TEST(xml_reader, common_tags_and_the_forms_that_leave_them_half_way) {
+    EXPECT_EQ(root_attributes("<a b=\"1\" c=\"2\"/>"), (pairs_t{{"b", "1"}, {"c", "2"}}));
+    EXPECT_EQ(root_attributes("<a\tb=\"1\"c=\"2\" ></a>"), (pairs_t{{"b", "1"}, {"c", "2"}}));
+    // A tab, a vertical tab and a form feed stay in a value; a line end vanishes from it.
+    EXPECT_EQ(root_attributes("<a b=\"x\ty\vz\f\"/>"), (pairs_t{{"b", "x\ty\vz\f"}}));
+    EXPECT_EQ(root_attributes("<a b=\"x\ny\" c=\"3\"/>"), (pairs_t{{"b", "xy"}, {"c", "3"}}));
+    EXPECT_EQ(root_attributes("<a b=\"1\"/\n>"), (pairs_t{{"b", "1"}}));
+    EXPECT_EQ(root_attributes("<a b=\"&lt;&amp;\"/>"), (pairs_t{{"b", "<&"}}));
+    EXPECT_EQ(root_attributes("< a b=\"1\"/>"), (pairs_t{{"b", "1"}}));
+    // The tag ends at the first `>`, inside a value too.
+    EXPECT_EQ(root_attributes("<a b=\"x>y\"/>"), std::nullopt);
+    EXPECT_EQ(root_attributes("<a b=\"1\"/ >"), std::nullopt);
+    EXPECT_EQ(root_attributes("<a/ >"), std::nullopt);
+    EXPECT_EQ(root_attributes("<a b=\"1\" ^M junk/>"), (pairs_t{{"b", "1"}}));
+    EXPECT_EQ(root_attributes("<a b=\"1"), std::nullopt);
+}
+
+TEST(xml_reader, more_attributes_than_one_pass_holds_are_read_the_general_way) {
+    pairs_t expected;
+    std::string body = "<a";
+    for (int i = 0; i < 40; ++i) {
+        body += " n" + std::to_string(i) + "=\"" + std::to_string(i * 7) + "\"";
+        expected.emplace_back("n" + std::to_string(i), std::to_string(i * 7));
+    }
+    EXPECT_EQ(root_attributes(body + "/>"), expected);
 }
 
 TEST(xml_reader, open_xml_null_or_empty_is_false_without_message) {
