@@ -12,7 +12,10 @@ class utl_stream_c;
 
 namespace xmc_template_n {
 
-// The lines of text, and the entries of the array: the lines and the end mark.
+// The lines of text, and the entries of the array: the lines and the end mark. Written one item
+// per line (a childless item on one line, any other on its opening and its closing line), the
+// contents come to 1436 lines, not the 1445 of xmc_n::template_line_count; nothing reads the
+// count, as joining stops at the end mark, and the room made for the text follows this array.
 inline constexpr std::size_t text_line_count = 1436;
 inline constexpr std::size_t entry_count = text_line_count + 1;
 
