@@ -1,7 +1,10 @@
 // stats_tool run as a separate process, as an operator or a script runs it.
 #include "common/test_support.h"
+#include "configuration/xmc_item.h"
+#include "configuration/xmc_template.h"
 #include "platform/os.h"
 #include "stats_mng/load_order.h"
+#include "utl/utl_stream.h"
 
 #include <gtest/gtest.h>
 
@@ -182,4 +185,30 @@ TEST_F(stats_tool, message_with_a_given_catalogue_uses_it) {
     run_result_s result = run({"message", "IG00221", "--messages", file});
     EXPECT_EQ(result.status, 0) << result.output;
     EXPECT_NE(result.output.find("IG00221\tOwn master"), std::string::npos) << result.output;
+}
+
+// The printed template is the library's own text, byte for byte, and loads as it does.
+TEST_F(stats_tool, template_prints_the_built_in_template) {
+    run_result_s result = run({"template"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    utl_stream_c joined;
+    std::size_t lines = xmc_template_n::join(joined);
+    EXPECT_EQ(lines, xmc_template_n::text_line_count);
+    ASSERT_NE(joined.c_str(), nullptr);
+    EXPECT_EQ(result.output, std::string(joined.c_str()));
+    EXPECT_EQ(count_of(result.output, "\n"), xmc_template_n::text_line_count);
+
+    mixed_xmc_xml_tree_c printed, built_in;
+    ASSERT_TRUE(printed.load_from_str(result.output.c_str()));
+    ASSERT_TRUE(built_in.load_from_str(joined.c_str()));
+    ASSERT_NE(printed.get_root(), nullptr);
+    EXPECT_STREQ(printed.get_root()->find_attribute("label")->to_text(), "ConfigDataHolder");
+    EXPECT_TRUE(printed.is_equal(built_in));
+}
+
+TEST_F(stats_tool, template_takes_no_argument) {
+    run_result_s result = run({"template", "extra"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.output.find("unexpected argument 'extra'"), std::string::npos)
+        << result.output;
 }

@@ -3,6 +3,7 @@
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
 #include "message_command.h"
+#include "template_command.h"
 
 #include "files/file_manipulation.h"
 #include "platform/os.h"
@@ -44,6 +45,7 @@ const char* const usage_text =
     "                       print the text of each message id from the message catalogue\n"
     "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
     "                       then the catalogue of the source tree it was built from)\n"
+    "  template             print the built-in template, the XMC document the library loads\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -54,7 +56,7 @@ const char* const usage_text =
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
     "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
-    "has none; 2 error\n";
+    "has none; template: 0 printed; 2 error\n";
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -245,6 +247,10 @@ int main(int argc, char** argv) {
     if (command == "load-steps") {
         if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
         return run_load_steps();
+    }
+    if (command == "template") {
+        if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
+        return run_template();
     }
     if (command == "message") {
         std::vector<std::string> ids;

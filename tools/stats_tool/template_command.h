@@ -1,0 +1,7 @@
+// The template command of stats_tool: the built-in template as the library holds it.
+#pragma once
+
+// Prints the built-in template's text, each line followed by a line feed and nothing else, so
+// that the output is the very document the library loads. 0 when all of it was written, 2 when
+// standard output failed.
+int run_template();
