@@ -1,5 +1,7 @@
 #include "stats_mng/stats_saver_ex.h"
 
+#include "configuration/root_dir.h"
+#include "configuration/scenario_conf.h"
 #include "files/file.h"
 #include "files/file_manipulation.h"
 #include "support/load_step.h"
@@ -137,4 +139,97 @@ bool stats_saver_ex_c::get_sync_state(unsigned* state_index, bool* is_sync_repli
         *is_sync_replicated = own_flag;
     }
     return true;
+}
+
+// ---- the writing side
+
+xml_item_c* stats_saver_ex_c::_record_to_write(utl_stream_c& file_path, std::uint32_t host_index,
+                                               xml_tree_c& tree) {
+    // A state file that can't be read is no obstacle: the writer starts a new record.
+    tree.load(file_path.c_str());
+    xml_item_c* root = tree.get_root();
+    if (!root) {
+        root = new xml_item_c("stats_saver");
+        tree.attach(root, nullptr, true);
+    }
+    xml_item_c* record = root->first_child_item();
+    if (!record) {
+        record = xml_item_c::create_child("Scenario", root);
+        record->set_attribute("HostIndex", static_cast<unsigned int>(host_index));
+        record->set_attribute("ScenarioID", static_cast<unsigned int>(scenario_id));
+        record->set_attribute("ScenarioName", scenario_name.c_str());
+    }
+    return record;
+}
+
+bool stats_saver_ex_c::_save_tree(xml_tree_c& tree) {
+    utl_stream_c text;
+    tree.write(text, true);
+    return _save(text);
+}
+
+bool stats_saver_ex_c::_set_state(utl_stream_c& file_path, std::uint32_t host_index, bool run) {
+    QVTR_SCOPE(tr, "stats_saver_ex_c::_set_state", source);
+    xml_tree_c tree;
+    xml_item_c* record = _record_to_write(file_path, host_index, tree);
+    labeled_value_c* state = record->find_attribute("State");
+    // While a synchronisation is under way a start must not hide it: only the end of the
+    // synchronisation turns "Sync" into "Running". A stop is always obeyed.
+    if (run && state && os::_stricmp(state->to_text(), state_names[2]) == 0)
+        tr.print_nl(QVTR_SUCCESS, __LINE__,
+                    "Not need to set the scenario state to run when in sync state sc_id(%lu).",
+                    static_cast<unsigned long>(scenario_id));
+    else
+        record->set_attribute("State", run ? state_names[0] : state_names[1]);
+    return _save_tree(tree);
+}
+
+bool stats_saver_ex_c::_set_sync_state(utl_stream_c file_path, std::uint32_t host_index,
+                                       bool is_sync_replicated, std::int64_t sync_time) {
+    xml_tree_c tree;
+    xml_item_c* record = _record_to_write(file_path, host_index, tree);
+    record->set_attribute("IsSyncReplicated", is_sync_replicated);
+    record->set_attribute("State", is_sync_replicated ? state_names[0] : state_names[2]);
+    record->set_attribute("IsSyncReplicatedTime", static_cast<long long>(sync_time));
+    return _save_tree(tree);
+}
+
+bool stats_saver_ex_c::_file_path_of_root_dir(std::uint64_t position, std::uint32_t host_index,
+                                              utl_stream_c& file_path) {
+    root_dir_c* root_dir = conf ? conf->get_root_dir(position, host_index) : nullptr;
+    root_path.append(utl_stream_c::clear_char)
+        .append(root_dir && root_dir->path ? root_dir->path : "");
+    file_path.append(utl_stream_c::clear_char);
+    return _get_file_path(file_path) != nullptr;
+}
+
+bool stats_saver_ex_c::set_state(std::uint32_t host_index, bool run) {
+    QVTR_SCOPE(tr, "stats_saver_ex_c::set_state", source);
+    utl_stream_c file_path;
+    if (!per_root_dir) return _get_file_path(file_path) && _set_state(file_path, host_index, run);
+    bool result = true;
+    // The count is asked again at each pass, as the scenario may change beside the writer.
+    for (std::uint64_t i = 0; conf && i < conf->get_root_dir_count(); ++i) {
+        if (!_file_path_of_root_dir(i, host_index, file_path)) return false;
+        // Once one write has failed, no later root directory is written.
+        if (result) result = _set_state(file_path, host_index, run);
+    }
+    return result;
+}
+
+bool stats_saver_ex_c::set_sync_state(std::uint32_t host_index, bool is_sync_replicated,
+                                      std::int64_t sync_time) {
+    QVTR_SCOPE(tr, "stats_saver_ex_c::set_sync_state", source);
+    utl_stream_c file_path;
+    // Under the root path the flag starts or stops the scenario and no synchronisation is
+    // recorded: only the form for each root directory records one.
+    if (!per_root_dir)
+        return _get_file_path(file_path) && _set_state(file_path, host_index, is_sync_replicated);
+    bool result = true;
+    for (std::uint64_t i = 0; conf && i < conf->get_root_dir_count(); ++i) {
+        if (!_file_path_of_root_dir(i, host_index, file_path)) return false;
+        // A failure under one root directory does not keep the others from being written.
+        if (!_set_sync_state(file_path, host_index, is_sync_replicated, sync_time)) result = false;
+    }
+    return result;
 }
