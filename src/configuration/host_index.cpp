@@ -76,8 +76,8 @@ host_index_node_s* host_index_tree_c::find_host_by_item(const xml_item_c* item,
     return nullptr;
 }
 
-bool host_index_tree_c::add_host(xml_item_c* item, array_ct<root_dir_c>* dirs,
-                                 std::uint64_t index, std::uint64_t parent_index) {
+bool host_index_tree_c::add_host(xml_item_c* item, array_ct<root_dir_c>* dirs, std::uint64_t index,
+                                 std::uint64_t parent_index) {
     // Host 0 is no host: a node of that number could never be told from "none" by next_host.
     if (index == NO_HOST_INDEX) return false;
     host_index_node_s* node = find_host_node(index);

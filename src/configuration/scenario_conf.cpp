@@ -91,8 +91,8 @@ const char* scenario_conf_c::get_item_description(const xml_item_c* item,
         stream.append("Master");
     } else {
         host_index_node_s* node = host_tree ? host_tree->find_host_by_item(host, true) : nullptr;
-        stream.append("Replica #").append(
-            static_cast<unsigned long long>(node ? node->host_index : NO_HOST_INDEX));
+        stream.append("Replica #")
+            .append(static_cast<unsigned long long>(node ? node->host_index : NO_HOST_INDEX));
     }
     if (const xml_item_c* object = enclosing_object(item, nullptr, false)) {
         const char* object_label = label_of(object);

@@ -100,7 +100,7 @@ class scenario_conf_c : public xmc_conf_c {
     std::uint32_t product = scenario_conf_n::product_not_set;
     std::uint32_t application = scenario_conf_n::application_not_set;
     bool vetted_failback = false;
-    host_index_tree_c* host_tree; // owned
+    host_index_tree_c* host_tree;              // owned
     ptr_list_ct<conf_c> generic_objects{true}; // owned objects; the list has its own lock
     mutable single_writer_multi_reader_c scenario_lock;
     // Set by the owner of an object that holds a group: is_same_object then reads under

@@ -77,8 +77,7 @@ const char* own_value(const xml_item_c* scenario, const char* label) {
 
 // The position of the item `label` names in the enumeration, or the not-set position (the item
 // count) for a missing item or a text that names none.
-std::uint32_t position_of(const xml_item_c* scenario, const char* label,
-                          std::uint32_t enum_index) {
+std::uint32_t position_of(const xml_item_c* scenario, const char* label, std::uint32_t enum_index) {
     std::uint32_t position = xmc_enum_c::find_item(enum_index, own_value(scenario, label));
     if (position != xmc_enum_c::not_found) return position;
     return static_cast<std::uint32_t>(xmc_enums_n::enum_table[enum_index].count);
@@ -175,8 +174,7 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
     delete scenario.tree;
     scenario.tree = loaded.release();
     scenario.product = position_of(scenario_item, "Product", xmc_enums_n::enum_product);
-    scenario.application =
-        position_of(scenario_item, "Application", xmc_enums_n::enum_application);
+    scenario.application = position_of(scenario_item, "Application", xmc_enums_n::enum_application);
     scenario.config_mode = position_of(scenario_item, "ConfigMode", xmc_enums_n::enum_config_mode);
     const char* vetted = own_value(scenario_item, "VettedFailback");
     scenario.vetted_failback = vetted && value_c(vetted).to_bool();
@@ -193,8 +191,7 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
 scenario_load_result_s scenario_loader_n::load_file(scenario_conf_c& scenario, const char* path) {
     QVTR_SCOPE(tr, "scenario_loader_n::load_file", source);
     failure_c fail(tr, path);
-    if (!path || !*path)
-        return fail(scenario_load_status_t::unreadable, 0, "no file is named");
+    if (!path || !*path) return fail(scenario_load_status_t::unreadable, 0, "no file is named");
     FILE_c file;
     if (!file.open(path, "r", nullptr, open_flags_n::read_ahead | open_flags_n::sequential_scan))
         return fail(scenario_load_status_t::unreadable, 0, "the file cannot be opened");

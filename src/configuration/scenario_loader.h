@@ -48,7 +48,7 @@ inline constexpr const char* scenario_label = "Scenario";
 // scenario is best loaded once, before it is shared (the load takes no lock).
 scenario_load_result_s load_file(scenario_conf_c& scenario, const char* path);
 // The same from the first `length` bytes of `text`; `name` stands for the file in messages.
-scenario_load_result_s load_text(scenario_conf_c& scenario, const char* text,
-                                 std::uint64_t length, const char* name);
+scenario_load_result_s load_text(scenario_conf_c& scenario, const char* text, std::uint64_t length,
+                                 const char* name);
 
 } // namespace scenario_loader_n

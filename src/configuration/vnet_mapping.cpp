@@ -17,9 +17,9 @@ enum field_kind_t { field_text, field_bool, field_list };
 struct field_s {
     const char* label;
     field_kind_t kind;
-    utl_stream_c vm_network_mapping_s::* text;
-    bool vm_network_mapping_s::* flag;
-    string_array_c vm_network_mapping_s::* list;
+    utl_stream_c vm_network_mapping_s::*text;
+    bool vm_network_mapping_s::*flag;
+    string_array_c vm_network_mapping_s::*list;
 };
 
 using record_t = vm_network_mapping_s;
@@ -27,9 +27,12 @@ const field_s fields[] = {
     {"VirtualMachineUUID", field_text, &record_t::VirtualMachineUUID, nullptr, nullptr},
     {"MasterVirtualNetworkName", field_text, &record_t::MasterVirtualNetworkName, nullptr, nullptr},
     {"MasterVirtualNetworkUUID", field_text, &record_t::MasterVirtualNetworkUUID, nullptr, nullptr},
-    {"ReplicaVirtualNetworkName", field_text, &record_t::ReplicaVirtualNetworkName, nullptr, nullptr},
-    {"ReplicaVirtualNetworkUUID", field_text, &record_t::ReplicaVirtualNetworkUUID, nullptr, nullptr},
-    {"ApplySourceAdapterSetting", field_bool, nullptr, &record_t::ApplySourceAdapterSetting, nullptr},
+    {"ReplicaVirtualNetworkName", field_text, &record_t::ReplicaVirtualNetworkName, nullptr,
+     nullptr},
+    {"ReplicaVirtualNetworkUUID", field_text, &record_t::ReplicaVirtualNetworkUUID, nullptr,
+     nullptr},
+    {"ApplySourceAdapterSetting", field_bool, nullptr, &record_t::ApplySourceAdapterSetting,
+     nullptr},
     {"UseDHCP", field_bool, nullptr, &record_t::UseDHCP, nullptr},
     {"WinsPrimary", field_text, &record_t::WinsPrimary, nullptr, nullptr},
     {"WinsSecondary", field_text, &record_t::WinsSecondary, nullptr, nullptr},

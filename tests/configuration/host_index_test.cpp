@@ -205,7 +205,8 @@ TEST(host_index_tree, an_index_without_its_root_answers_nothing) {
     index.clear_hosts();
 }
 
-TEST(host_index_tree, a_chain_of_ten_thousand_hosts_is_indexed_walked_and_cleared_on_a_small_stack) {
+TEST(host_index_tree,
+     a_chain_of_ten_thousand_hosts_is_indexed_walked_and_cleared_on_a_small_stack) {
     const std::uint64_t n = 10000;
     items_s items;
     items[n];

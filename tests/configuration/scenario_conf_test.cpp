@@ -54,9 +54,9 @@ class scenario_conf_test : public ::testing::Test {
     }
     // The `Index` value of the `CommonHostProps` that a host's item holds first.
     std::string index_in(const xml_item_c* host) {
-        xml_item_c* props = host ? conf.find_tree_item("CommonHostProps", true,
-                                                       const_cast<xml_item_c*>(host), true)
-                                 : nullptr;
+        xml_item_c* props =
+            host ? conf.find_tree_item("CommonHostProps", true, const_cast<xml_item_c*>(host), true)
+                 : nullptr;
         return val_of(props ? conf.find_tree_item("Index", false, props, true) : nullptr);
     }
     std::vector<std::uint64_t> order() {
@@ -139,8 +139,9 @@ TEST_F(scenario_conf_test, the_build_without_a_start_walks_from_the_trees_root) 
 TEST_F(scenario_conf_test, a_common_host_props_without_index_is_passed_over_silently) {
     load(sd::stored(sd::scenario(
         sd::scenario_data(),
-        sd::host("1", "", sd::object("ReplNode", "5000", sd::object("CommonHostProps", "100",
-                                                                    sd::data("Host", "x")))))));
+        sd::host("1", "",
+                 sd::object("ReplNode", "5000",
+                            sd::object("CommonHostProps", "100", sd::data("Host", "x")))))));
     trace_capture_c capture;
     EXPECT_EQ(build(), 1u);
     EXPECT_EQ(conf.host_tree->get_host_count(), 0u);
@@ -149,13 +150,13 @@ TEST_F(scenario_conf_test, a_common_host_props_without_index_is_passed_over_sile
 }
 
 TEST_F(scenario_conf_test, an_index_without_val_is_traced_and_its_host_passed_over) {
-    load(sd::stored(sd::scenario(
-        sd::scenario_data(),
-        sd::host("1", "",
-                 sd::object("ReplNode", "5000",
-                            sd::object("CommonHostProps", "100",
-                                       "<data label=\"Index\" type=\"Number\"/>")) +
-                     sd::host("4")))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(),
+                     sd::host("1", "",
+                              sd::object("ReplNode", "5000",
+                                         sd::object("CommonHostProps", "100",
+                                                    "<data label=\"Index\" type=\"Number\"/>")) +
+                                  sd::host("4")))));
     trace_capture_c capture;
     EXPECT_EQ(build(), 2u);
     EXPECT_EQ(order(), (std::vector<std::uint64_t>{1, 4}));
@@ -170,7 +171,8 @@ TEST_F(scenario_conf_test, a_common_host_props_outside_every_replnode_has_no_pap
     trace_capture_c capture;
     EXPECT_EQ(build(), 1u);
     EXPECT_EQ(conf.host_tree->find_host_node(7), nullptr);
-    std::string line = trace_line(capture.text(), "Unable to find Papa for \"Index\", node ReplNode");
+    std::string line =
+        trace_line(capture.text(), "Unable to find Papa for \"Index\", node ReplNode");
     EXPECT_TRUE(has_level(line, 4)) << capture.text();
 }
 
@@ -188,7 +190,8 @@ TEST_F(scenario_conf_test, a_replica_whose_parent_index_does_not_exist_has_no_ne
     EXPECT_TRUE(has_level(line, 4)) << capture.text();
 }
 
-TEST_F(scenario_conf_test, a_replica_below_an_unindexed_replnode_goes_below_the_nearest_known_host) {
+TEST_F(scenario_conf_test,
+       a_replica_below_an_unindexed_replnode_goes_below_the_nearest_known_host) {
     load(sd::stored(sd::scenario(
         sd::scenario_data(),
         sd::host("1", "",
@@ -200,10 +203,11 @@ TEST_F(scenario_conf_test, a_replica_below_an_unindexed_replnode_goes_below_the_
     EXPECT_EQ(conf.host_tree->find_host_node(3)->parent_node()->host_index, 1u);
 }
 
-TEST_F(scenario_conf_test, a_common_host_props_with_index_1_nested_in_a_replica_overwrites_the_master_item) {
-    load(sd::stored(sd::scenario(sd::scenario_data(),
-                                 sd::host("1", sd::root_dir("C:/m"),
-                                          sd::host("2", "", sd::host("1", sd::root_dir("E:/x")))))));
+TEST_F(scenario_conf_test,
+       a_common_host_props_with_index_1_nested_in_a_replica_overwrites_the_master_item) {
+    load(sd::stored(sd::scenario(
+        sd::scenario_data(), sd::host("1", sd::root_dir("C:/m"),
+                                      sd::host("2", "", sd::host("1", sd::root_dir("E:/x")))))));
     xml_item_c* master = conf.find_tree_item("ReplNode", true);
     EXPECT_EQ(build(), 3u);
     EXPECT_NE(host_item(1), master);
@@ -214,13 +218,13 @@ TEST_F(scenario_conf_test, a_common_host_props_with_index_1_nested_in_a_replica_
 }
 
 TEST_F(scenario_conf_test, a_replica_whose_index_already_stands_under_another_parent_is_ignored) {
-    load(sd::stored(sd::scenario(
-        sd::scenario_data(),
-        sd::host("1", "",
-                 sd::host("2", sd::root_dir("D:/first")) +
-                     sd::host("3", "", sd::host("2", sd::root_dir("D:/second")))))));
-    xml_item_c* first_two = conf.find_tree_item(
-        "ReplNode", true, conf.find_tree_item("ReplNode", true), true);
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(),
+                     sd::host("1", "",
+                              sd::host("2", sd::root_dir("D:/first")) +
+                                  sd::host("3", "", sd::host("2", sd::root_dir("D:/second")))))));
+    xml_item_c* first_two =
+        conf.find_tree_item("ReplNode", true, conf.find_tree_item("ReplNode", true), true);
     EXPECT_EQ(build(), 3u) << "the second host 2 is not entered";
     EXPECT_EQ(host_item(2), first_two);
     EXPECT_EQ(conf.host_tree->find_host_node(2)->parent_node()->host_index, 1u);
@@ -231,7 +235,8 @@ TEST_F(scenario_conf_test, a_replica_whose_index_already_stands_under_another_pa
 TEST_F(scenario_conf_test, hosts_with_a_duplicate_index_below_one_parent_leave_the_later_in_place) {
     load(sd::stored(sd::scenario(
         sd::scenario_data(),
-        sd::host("1", "", sd::host("2", sd::root_dir("D:/a")) + sd::host("2", sd::root_dir("D:/b"))))));
+        sd::host("1", "",
+                 sd::host("2", sd::root_dir("D:/a")) + sd::host("2", sd::root_dir("D:/b"))))));
     EXPECT_EQ(build(), 3u) << "the second host 2 takes the node of the first";
     EXPECT_EQ(conf.host_tree->get_host_count(), 1u);
     EXPECT_EQ(path_of(conf.get_root_dir(0, 2)), "D:/b");
@@ -239,8 +244,8 @@ TEST_F(scenario_conf_test, hosts_with_a_duplicate_index_below_one_parent_leave_t
 }
 
 TEST_F(scenario_conf_test, an_index_that_is_no_number_reads_as_0_and_enters_no_host) {
-    load(sd::stored(sd::scenario(sd::scenario_data(),
-                                 sd::host("1", "", sd::host("two") + sd::host("-5")))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1", "", sd::host("two") + sd::host("-5")))));
     EXPECT_EQ(build(), 1u);
     EXPECT_EQ(conf.host_tree->get_host_count(), 0u);
 }
@@ -293,7 +298,8 @@ TEST_F(scenario_conf_test, replnode_items_nested_ten_thousand_deep_are_indexed_w
 
 // ---- root directories
 
-TEST_F(scenario_conf_test, a_hosts_root_directories_are_its_first_root_dir_and_each_sibling_after_it) {
+TEST_F(scenario_conf_test,
+       a_hosts_root_directories_are_its_first_root_dir_and_each_sibling_after_it) {
     load(four_hosts());
     build();
     EXPECT_EQ(conf.get_root_dir_count(), 2u);
@@ -310,8 +316,8 @@ TEST_F(scenario_conf_test, a_hosts_root_directories_are_its_first_root_dir_and_e
 }
 
 TEST_F(scenario_conf_test, the_root_directory_search_stays_on_its_host) {
-    load(sd::stored(sd::scenario(sd::scenario_data(),
-                                 sd::host("1", "", sd::host("2", sd::root_dir("D:/r"))))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1", "", sd::host("2", sd::root_dir("D:/r"))))));
     std::unique_ptr<array_ct<root_dir_c>> master_dirs(
         conf._make_root_dir_list(conf.find_tree_item("ReplNode", true)));
     EXPECT_EQ(master_dirs->get_count(), 0u) << "the replica's directory is not the Master's";
@@ -352,7 +358,8 @@ TEST_F(scenario_conf_test, a_missing_tree_is_traced_and_marks_the_value) {
     EXPECT_FALSE(conf._check_mixed_tree(nullptr));
     EXPECT_EQ(conf.get_root_dir_count(), 0u);
     EXPECT_EQ(conf.get_root_dir(0, 1), nullptr);
-    std::string line = trace_line(capture.text(), "scenario_conf_c::_check_mixed_tree: XMC tree is missing");
+    std::string line =
+        trace_line(capture.text(), "scenario_conf_c::_check_mixed_tree: XMC tree is missing");
     EXPECT_TRUE(has_level(line, 4)) << capture.text();
     EXPECT_EQ(test_support::count_of(capture.text(), "XMC tree is missing"), 4u);
 }
@@ -376,10 +383,12 @@ TEST_F(scenario_conf_test, an_item_is_described_by_its_owner_and_its_nearest_obj
     load(four_hosts());
     build();
     utl_stream_c stream("old");
-    EXPECT_STREQ(conf.get_item_description(conf.find_tree_item("Index", false, host_item(1)), stream),
-                 "data.Index from Master, object CommonHostProps");
-    EXPECT_STREQ(conf.get_item_description(conf.find_tree_item("Path", false, host_item(2)), stream),
-                 "data.Path from Replica #2, object RootDir");
+    EXPECT_STREQ(
+        conf.get_item_description(conf.find_tree_item("Index", false, host_item(1)), stream),
+        "data.Index from Master, object CommonHostProps");
+    EXPECT_STREQ(
+        conf.get_item_description(conf.find_tree_item("Path", false, host_item(2)), stream),
+        "data.Path from Replica #2, object RootDir");
     EXPECT_STREQ(conf.get_item_description(host_item(3), stream),
                  "object.ReplNode from Replica #3, object ReplNode");
     EXPECT_STREQ(conf.get_item_description(host_item(1), stream),
@@ -418,7 +427,8 @@ TEST_F(scenario_conf_test, items_without_a_label_and_inside_external_objects_are
     EXPECT_STREQ(conf.get_item_description(external->first_child_item(), stream),
                  "db. from Scenario, object External");
     xml_item_c* unnamed = external->next_item();
-    EXPECT_STREQ(conf.get_item_description(unnamed, stream), "data. from Scenario, object Scenario");
+    EXPECT_STREQ(conf.get_item_description(unnamed, stream),
+                 "data. from Scenario, object Scenario");
 }
 
 // ---- is_same_object
@@ -507,14 +517,15 @@ std::string external_of(const std::string& children) {
 
 } // namespace
 
-TEST_F(scenario_conf_test, get_generic_object_on_a_scenario_without_external_returns_null_and_traces_at_level_32) {
+TEST_F(scenario_conf_test,
+       get_generic_object_on_a_scenario_without_external_returns_null_and_traces_at_level_32) {
     recording_creator_c creator(GENERIC_OBJECT_ID);
     load(four_hosts());
     trace_capture_c capture;
     EXPECT_EQ(conf.get_generic_object(), nullptr);
     EXPECT_EQ(creator.calls, 0);
-    std::string line = trace_line(capture.text(),
-                                  "Unable to find object External with ID=6799 in \"finance\"");
+    std::string line =
+        trace_line(capture.text(), "Unable to find object External with ID=6799 in \"finance\"");
     EXPECT_TRUE(has_level(line, 32)) << capture.text();
     EXPECT_FALSE(has_level(line, 4));
 }
@@ -523,12 +534,14 @@ TEST_F(scenario_conf_test, the_scenario_is_named_unknown_without_a_scenario_name
     load(sd::stored(sd::object("Scenario", "1000", sd::data("ScenarioName", ""))));
     trace_capture_c capture;
     EXPECT_EQ(conf.get_generic_object(), nullptr);
-    EXPECT_NE(trace_line(capture.text(), "Unable to find object External with ID=6799 in \"UnKnown\""),
-              "")
+    EXPECT_NE(
+        trace_line(capture.text(), "Unable to find object External with ID=6799 in \"UnKnown\""),
+        "")
         << capture.text();
 }
 
-TEST_F(scenario_conf_test, without_any_external_child_of_id_6799_the_creator_is_called_with_a_null_item) {
+TEST_F(scenario_conf_test,
+       without_any_external_child_of_id_6799_the_creator_is_called_with_a_null_item) {
     recording_creator_c creator(GENERIC_OBJECT_ID);
     load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"),
                                  external_of("<cdp id=\"6789\"/><db id=\"67990\"/>"))));
@@ -541,8 +554,9 @@ TEST_F(scenario_conf_test, without_any_external_child_of_id_6799_the_creator_is_
 
 TEST_F(scenario_conf_test, get_generic_object_makes_the_object_once_from_the_child_of_id_6799) {
     recording_creator_c creator(GENERIC_OBJECT_ID);
-    load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"),
-                                 external_of("<cdp id=\"6789\"/><db id=\"6799\"/><db id=\"6799\"/>"))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1"),
+                     external_of("<cdp id=\"6789\"/><db id=\"6799\"/><db id=\"6799\"/>"))));
     xml_item_c* db = conf.find_tree_item("External", true)->first_child_item()->next_item();
     conf_c* made = conf.get_generic_object();
     ASSERT_NE(made, nullptr);
@@ -556,7 +570,8 @@ TEST_F(scenario_conf_test, get_generic_object_makes_the_object_once_from_the_chi
 
 TEST_F(scenario_conf_test, a_fabric_without_a_result_is_traced_at_level_4) {
     recording_creator_c creator(GENERIC_OBJECT_ID, false);
-    load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"), external_of("<db id=\"6799\"/>"))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1"), external_of("<db id=\"6799\"/>"))));
     trace_capture_c capture;
     EXPECT_EQ(conf.get_generic_object(), nullptr);
     EXPECT_EQ(conf.generic_objects.get_count(), 0u);
@@ -578,8 +593,9 @@ TEST_F(scenario_conf_test, get_generic_object_without_a_tree_answers_null) {
 
 TEST_F(scenario_conf_test, an_item_without_an_id_or_with_id_0_has_no_external_object) {
     recording_creator_c creator(91010);
-    load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"),
-                                 external_of("<a/><b id=\"0\"/><c id=\"many\"/><d id=\"91011\"/>"))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1"),
+                     external_of("<a/><b id=\"0\"/><c id=\"many\"/><d id=\"91011\"/>"))));
     xml_item_c* child = conf.find_tree_item("External", true)->first_child_item();
     EXPECT_EQ(conf._get_generic_object(nullptr), nullptr);
     for (; child; child = child->next_item()) EXPECT_EQ(conf._get_generic_object(child), nullptr);
@@ -590,9 +606,9 @@ TEST_F(scenario_conf_test, an_item_without_an_id_or_with_id_0_has_no_external_ob
 TEST_F(scenario_conf_test, each_id_makes_one_object_and_a_new_one_goes_to_the_head_of_the_list) {
     recording_creator_c first(91020);
     recording_creator_c second(91021);
-    load(sd::stored(sd::scenario(
-        sd::scenario_data(), sd::host("1"),
-        external_of("<a id=\"91020\"/><b id=\"91021\"/><c id=\"91020\"/>"))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1"),
+                     external_of("<a id=\"91020\"/><b id=\"91021\"/><c id=\"91020\"/>"))));
     xml_item_c* a = conf.find_tree_item("External", true)->first_child_item();
     xml_item_c* b = a->next_item();
     xml_item_c* c = b->next_item();
@@ -613,9 +629,10 @@ TEST_F(scenario_conf_test, external_objects_stay_through_clear_and_go_with_the_s
     recording_creator_c creator(GENERIC_OBJECT_ID);
     {
         scenario_conf_c scenario;
-        ASSERT_TRUE(scenario.tree->load_from_str(
-            sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"), external_of("<db id=\"6799\"/>")))
-                .c_str()));
+        ASSERT_TRUE(
+            scenario.tree->load_from_str(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"),
+                                                                 external_of("<db id=\"6799\"/>")))
+                                             .c_str()));
         conf_c* made = scenario.get_generic_object();
         ASSERT_NE(made, nullptr);
         scenario.clear();
@@ -631,7 +648,8 @@ TEST_F(scenario_conf_test, an_external_object_with_a_thousand_children) {
     recording_creator_c other(91030);
     std::string children;
     for (int i = 0; i < 999; ++i)
-        children += i % 2 ? "<entry id=\"91030\"/>" : "<entry id=\"" + std::to_string(92000 + i) + "\"/>";
+        children +=
+            i % 2 ? "<entry id=\"91030\"/>" : "<entry id=\"" + std::to_string(92000 + i) + "\"/>";
     children += "<db id=\"6799\"/>";
     load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"), external_of(children))));
     xml_item_c* external = conf.find_tree_item("External", true);
@@ -654,7 +672,8 @@ TEST_F(scenario_conf_test, an_external_object_with_a_thousand_children) {
 TEST_F(scenario_conf_test, readers_asking_at_once_share_one_external_object) {
     recording_creator_c creator(GENERIC_OBJECT_ID);
     creator.slow = true;
-    load(sd::stored(sd::scenario(sd::scenario_data(), sd::host("1"), external_of("<db id=\"6799\"/>"))));
+    load(sd::stored(
+        sd::scenario(sd::scenario_data(), sd::host("1"), external_of("<db id=\"6799\"/>"))));
     std::vector<std::thread> readers;
     std::vector<conf_c*> answers(4, nullptr);
     for (std::size_t i = 0; i < answers.size(); ++i)

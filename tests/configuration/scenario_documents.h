@@ -23,8 +23,8 @@ inline std::string object(const std::string& label, const std::string& id,
 inline std::string root_dir(const std::string& path, const std::string& id = "0") {
     std::string filters;
     for (const char* filter : {"FileRegExpr", "DirRegExpr", "DirPath"})
-        filters += "<object label=\"" + std::string(filter) +
-                   "\" id=\"500\" status=\"False\">" + data("ExcludeFilter", "True", "Bool") +
+        filters += "<object label=\"" + std::string(filter) + "\" id=\"500\" status=\"False\">" +
+                   data("ExcludeFilter", "True", "Bool") +
                    "<data label=\"ListFilters\" val=\"String\" type=\"MultiEntry\"/></object>";
     return object("RootDir", "3010",
                   data("Path", path, "FullPath") + data("ID", id, "Number") +

@@ -21,9 +21,9 @@ namespace {
 
 // Master 1 with two root directories, feeding 2 (feeding 3) and 4.
 std::string four_hosts(const std::string& own_data = sd::scenario_data()) {
-    return sd::stored(sd::scenario(
-        own_data, sd::host("1", sd::root_dir("C:/m1") + sd::root_dir("C:/m2"),
-                           sd::host("2", "", sd::host("3")) + sd::host("4"))));
+    return sd::stored(
+        sd::scenario(own_data, sd::host("1", sd::root_dir("C:/m1") + sd::root_dir("C:/m2"),
+                                        sd::host("2", "", sd::host("3")) + sd::host("4"))));
 }
 
 class scenario_loader_test : public ::testing::Test {
@@ -80,19 +80,22 @@ TEST_F(scenario_loader_test, a_stored_scenario_loads_its_tree_fields_id_and_host
     EXPECT_STREQ(conf.tree->get_root()->find_attribute("label")->to_text(), "ConfigDataHolder");
     EXPECT_EQ(conf.host_tree->get_host_count(), 3u);
     EXPECT_EQ(conf.get_root_dir_count(), 2u);
-    std::string line = trace_line(capture.text(), "Scenario 42 loaded from \"" + path + "\" with 4 hosts");
+    std::string line =
+        trace_line(capture.text(), "Scenario 42 loaded from \"" + path + "\" with 4 hosts");
     EXPECT_NE(line.find(" level=128 "), std::string::npos) << capture.text();
 }
 
 TEST_F(scenario_loader_test, each_enumerated_field_takes_the_position_of_its_item) {
-    ASSERT_TRUE(load(four_hosts(sd::scenario_data("Rw", "CustomApp", "Rewind", "True", "4294967295")))
-                    .ok());
+    ASSERT_TRUE(
+        load(four_hosts(sd::scenario_data("Rw", "CustomApp", "Rewind", "True", "4294967295")))
+            .ok());
     EXPECT_EQ(conf.product, 3u);
     EXPECT_EQ(conf.application, 12u);
     EXPECT_EQ(conf.config_mode, 7u);
     EXPECT_TRUE(conf.vetted_failback);
     EXPECT_EQ(conf.id, 4294967295u);
-    ASSERT_TRUE(load(four_hosts(sd::scenario_data("Dr", "HyperV", "Assessment", "true", "7"))).ok());
+    ASSERT_TRUE(
+        load(four_hosts(sd::scenario_data("Dr", "HyperV", "Assessment", "true", "7"))).ok());
     EXPECT_EQ(conf.product, 0u);
     EXPECT_EQ(conf.application, 7u);
     EXPECT_EQ(conf.config_mode, 4u);
@@ -100,7 +103,8 @@ TEST_F(scenario_loader_test, each_enumerated_field_takes_the_position_of_its_ite
 }
 
 TEST_F(scenario_loader_test, a_value_that_names_no_item_leaves_the_not_set_position) {
-    ASSERT_TRUE(load(four_hosts(sd::scenario_data("ha", "Word", "variable", "variable", "x"))).ok());
+    ASSERT_TRUE(
+        load(four_hosts(sd::scenario_data("ha", "Word", "variable", "variable", "x"))).ok());
     EXPECT_EQ(conf.product, 4u);
     EXPECT_EQ(conf.application, 13u);
     EXPECT_EQ(conf.config_mode, 8u);
@@ -128,9 +132,10 @@ TEST_F(scenario_loader_test, the_fields_are_the_scenarios_own_data_not_those_of_
 
 TEST_F(scenario_loader_test, loading_again_replaces_the_tree_fields_and_host_index) {
     ASSERT_TRUE(load(four_hosts()).ok());
-    scenario_load_result_s again = load(
-        sd::stored(sd::scenario(sd::scenario_data("Cd", "SQL", "Verific", "True", "9"), sd::host("1"))),
-        "other.xmc");
+    scenario_load_result_s again =
+        load(sd::stored(sd::scenario(sd::scenario_data("Cd", "SQL", "Verific", "True", "9"),
+                                     sd::host("1"))),
+             "other.xmc");
     ASSERT_TRUE(again.ok()) << message(again);
     EXPECT_EQ(again.host_count, 1u);
     EXPECT_EQ(fields(), "9/3/2/4/1/0");
@@ -150,7 +155,8 @@ TEST_F(scenario_loader_test, windows_line_ends_load_and_count_as_lines) {
 
 TEST_F(scenario_loader_test, a_text_loads_as_its_first_length_bytes) {
     std::string text = four_hosts();
-    scenario_load_result_s whole = scenario_loader_n::load_text(conf, text.data(), text.size(), "memory");
+    scenario_load_result_s whole =
+        scenario_loader_n::load_text(conf, text.data(), text.size(), "memory");
     ASSERT_TRUE(whole.ok()) << message(whole);
     scenario_load_result_s cut =
         scenario_loader_n::load_text(conf, text.data(), text.size() / 2, "memory");
@@ -165,7 +171,8 @@ TEST_F(scenario_loader_test, replnode_items_nested_ten_thousand_deep_load_withou
     const int n = 10000;
     std::string hosts;
     for (int i = 1; i <= n; ++i)
-        hosts += "<object label=\"ReplNode\" id=\"5000\">\n" + sd::host_props(std::to_string(i)) + "\n";
+        hosts +=
+            "<object label=\"ReplNode\" id=\"5000\">\n" + sd::host_props(std::to_string(i)) + "\n";
     for (int i = 1; i <= n; ++i) hosts += "</object>\n";
     path = dir.join("deep.xmc");
     test_support::write_file(path, sd::stored(sd::scenario(sd::scenario_data(), hosts)));
@@ -192,7 +199,8 @@ TEST_F(scenario_loader_test, a_file_that_cannot_be_opened_is_unreadable_without_
 }
 
 TEST_F(scenario_loader_test, no_path_is_unreadable) {
-    EXPECT_EQ(scenario_loader_n::load_file(conf, nullptr).status, scenario_load_status_t::unreadable);
+    EXPECT_EQ(scenario_loader_n::load_file(conf, nullptr).status,
+              scenario_load_status_t::unreadable);
     path = "";
     expect_failure(scenario_loader_n::load_file(conf, ""), scenario_load_status_t::unreadable, 0,
                    "no file is named");
@@ -215,18 +223,18 @@ TEST_F(scenario_loader_test, a_file_without_a_declaration_is_no_xml_at_line_1) {
 }
 
 TEST_F(scenario_loader_test, a_mismatched_tag_names_the_line_where_reading_stopped) {
-    scenario_load_result_s result = load(sd::declaration +
-                                         "<object label=\"ConfigDataHolder\" id=\"1\">\n"
-                                         "  <object label=\"Scenario\" id=\"1000\">\n"
-                                         "  </title>\n"
-                                         "</object>\n");
+    scenario_load_result_s result =
+        load(sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\">\n"
+                               "  <object label=\"Scenario\" id=\"1000\">\n"
+                               "  </title>\n"
+                               "</object>\n");
     expect_failure(result, scenario_load_status_t::not_xml, 4, "not well-formed XML");
 }
 
 TEST_F(scenario_loader_test, an_unclosed_root_names_the_last_line) {
-    scenario_load_result_s result = load(sd::declaration +
-                                         "<object label=\"ConfigDataHolder\" id=\"1\">\n"
-                                         "  <object label=\"Scenario\" id=\"1000\"/>\n");
+    scenario_load_result_s result =
+        load(sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\">\n"
+                               "  <object label=\"Scenario\" id=\"1000\"/>\n");
     EXPECT_EQ(result.status, scenario_load_status_t::not_xml);
     EXPECT_EQ(result.line, 3u);
 }
@@ -240,41 +248,40 @@ TEST_F(scenario_loader_test, a_file_with_another_root_names_the_roots_line) {
 }
 
 TEST_F(scenario_loader_test, a_holder_of_another_id_kind_or_element_is_another_root) {
-    for (const char* root : {"<object label=\"ConfigDataHolder\" id=\"2\">",
-                             "<object label=\"ConfigDataHolder\">",
-                             "<object label=\"ConfigDataHolder\" id=\"one\">",
-                             "<object label=\"ConfigDataHolder\" id=\"1\" external=\"True\">",
-                             "<data label=\"ConfigDataHolder\" id=\"1\">",
-                             "<object label=\"configdataholder\" id=\"1\">"}) {
+    for (const char* root :
+         {"<object label=\"ConfigDataHolder\" id=\"2\">", "<object label=\"ConfigDataHolder\">",
+          "<object label=\"ConfigDataHolder\" id=\"one\">",
+          "<object label=\"ConfigDataHolder\" id=\"1\" external=\"True\">",
+          "<data label=\"ConfigDataHolder\" id=\"1\">",
+          "<object label=\"configdataholder\" id=\"1\">"}) {
         std::string element = std::string(root).substr(1, std::string(root).find(' ') - 1);
-        scenario_load_result_s result =
-            load(sd::declaration + root + sd::object("Scenario", "1000", "") + "</" + element + ">");
+        scenario_load_result_s result = load(
+            sd::declaration + root + sd::object("Scenario", "1000", "") + "</" + element + ">");
         EXPECT_EQ(result.status, scenario_load_status_t::wrong_root) << root;
         EXPECT_EQ(result.line, 2u) << root;
     }
 }
 
 TEST_F(scenario_loader_test, a_holder_without_a_scenario_names_the_holders_line) {
-    scenario_load_result_s result = load(sd::declaration + "\n" +
-                                         "<object label=\"ConfigDataHolder\" id=\"1\">\n" +
-                                         sd::data("Version", "5", "Number") + "\n</object>\n");
+    scenario_load_result_s result =
+        load(sd::declaration + "\n" + "<object label=\"ConfigDataHolder\" id=\"1\">\n" +
+             sd::data("Version", "5", "Number") + "\n</object>\n");
     expect_failure(result, scenario_load_status_t::no_scenario, 3,
                    "the object ConfigDataHolder holds no Scenario object");
 }
 
 TEST_F(scenario_loader_test, a_scenario_below_another_item_of_the_holder_is_not_the_stored_one) {
-    scenario_load_result_s result =
-        load(sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\"><title label=\"T\">" +
-             sd::object("Scenario", "1000", "") + "</title>" +
-             sd::data("Scenario", "x") + "</object>");
+    scenario_load_result_s result = load(
+        sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\"><title label=\"T\">" +
+        sd::object("Scenario", "1000", "") + "</title>" + sd::data("Scenario", "x") + "</object>");
     EXPECT_EQ(result.status, scenario_load_status_t::no_scenario);
 }
 
 TEST_F(scenario_loader_test, a_second_scenario_names_its_line) {
     scenario_load_result_s result =
         load(sd::declaration + "<object label=\"ConfigDataHolder\" id=\"1\">\n" +
-             sd::object("Scenario", "1000", "") + "\n" + sd::data("Version", "5", "Number") +
-             "\n" + sd::object("Scenario", "1000", "") + "\n</object>\n");
+             sd::object("Scenario", "1000", "") + "\n" + sd::data("Version", "5", "Number") + "\n" +
+             sd::object("Scenario", "1000", "") + "\n</object>\n");
     expect_failure(result, scenario_load_status_t::several_scenarios, 5,
                    "a second Scenario object, where a stored scenario holds one");
 }

@@ -44,18 +44,17 @@ std::string mapping(const std::string& children, const std::string& id = "4450")
 }
 
 std::string full_mapping(const std::string& vm) {
-    return mapping(sd::data("VirtualMachineUUID", vm) +
-                   sd::data("MasterVirtualNetworkName", "master-net") +
-                   sd::data("MasterVirtualNetworkUUID", "master-uuid") +
-                   sd::data("ReplicaVirtualNetworkName", "replica-net") +
-                   sd::data("ReplicaVirtualNetworkUUID", "replica-uuid") +
-                   sd::data("ApplySourceAdapterSetting", "True", "Bool") +
-                   sd::data("UseDHCP", "False", "Bool") +
-                   sd::data("MacAddress", "00:0C:29:CE:59:04") +
-                   sd::data("WinsPrimary", "192.0.2.9", "Text") +
-                   sd::data("WinsSecondary", "192.0.2.10", "Text") +
-                   entries("IPs", {"10.0.0.5", "10.0.0.6"}) + entries("Subnets", {"255.255.255.0"}) +
-                   entries("Gateways", {"10.0.0.1"}) + entries("DNS", {"10.0.0.2", "10.0.0.3"}));
+    return mapping(
+        sd::data("VirtualMachineUUID", vm) + sd::data("MasterVirtualNetworkName", "master-net") +
+        sd::data("MasterVirtualNetworkUUID", "master-uuid") +
+        sd::data("ReplicaVirtualNetworkName", "replica-net") +
+        sd::data("ReplicaVirtualNetworkUUID", "replica-uuid") +
+        sd::data("ApplySourceAdapterSetting", "True", "Bool") +
+        sd::data("UseDHCP", "False", "Bool") + sd::data("MacAddress", "00:0C:29:CE:59:04") +
+        sd::data("WinsPrimary", "192.0.2.9", "Text") +
+        sd::data("WinsSecondary", "192.0.2.10", "Text") + entries("IPs", {"10.0.0.5", "10.0.0.6"}) +
+        entries("Subnets", {"255.255.255.0"}) + entries("Gateways", {"10.0.0.1"}) +
+        entries("DNS", {"10.0.0.2", "10.0.0.3"}));
 }
 
 std::string scenario_list(const std::string& mappings) {
@@ -72,11 +71,11 @@ std::string host_list(const std::string& mappings) {
 // A scenario with a scenario-level list in its `Switchover`, and the Master feeding replica 2,
 // whose `SpecificReplicaProps` hold the switchover list `replica_list`.
 std::string scenario_with(const std::string& mappings, const std::string& replica_list = "") {
-    std::string replica = sd::object(
-        "ReplNode", "5000",
-        sd::host_props("2") +
-            sd::object("SpecificReplicaProps", "150",
-                       "<title label=\"VirtualMachine\">" + replica_list + "</title>"));
+    std::string replica =
+        sd::object("ReplNode", "5000",
+                   sd::host_props("2") +
+                       sd::object("SpecificReplicaProps", "150",
+                                  "<title label=\"VirtualMachine\">" + replica_list + "</title>"));
     return sd::stored(sd::scenario(sd::scenario_data(), sd::host("1", "", replica),
                                    sd::object("Switchover", "4500", scenario_list(mappings))));
 }
@@ -88,7 +87,9 @@ class vnet_mapping_test : public ::testing::Test {
         conf._build_host_tree(nullptr);
     }
     // The records read for `host`, and whether the call succeeded.
-    bool read(std::uint64_t host = 0) { return conf.get_hyper_v_vm_network_mapping_list(list, host); }
+    bool read(std::uint64_t host = 0) {
+        return conf.get_hyper_v_vm_network_mapping_list(list, host);
+    }
     vm_network_mapping_s* first() { return list.first(); }
 
     scenario_conf_c conf;
@@ -176,7 +177,8 @@ TEST_F(vnet_mapping_test, a_missing_list_answers_false_and_empties_the_list) {
     trace_capture_c capture;
     EXPECT_FALSE(read());
     EXPECT_EQ(list.get_count(), 0u);
-    std::string line = trace_line(capture.text(), "Failed to find Network Mapping list in scernario");
+    std::string line =
+        trace_line(capture.text(), "Failed to find Network Mapping list in scernario");
     EXPECT_NE(line.find("scenario_conf_c::get_hyper_v_vm_network_mapping_list"), std::string::npos)
         << capture.text();
 }
@@ -198,10 +200,9 @@ TEST_F(vnet_mapping_test, an_empty_list_item_gives_true_and_an_empty_list) {
 }
 
 TEST_F(vnet_mapping_test, a_label_in_any_case_is_accepted) {
-    load(scenario_with(mapping(sd::data("macaddress", "00:11:22:33:44:55") +
-                               sd::data("USEDHCP", "true", "Bool") +
-                               sd::data("virtualmachineuuid", "vm-x") +
-                               entries("ips", {"10.1.1.1"}, "IPS"))));
+    load(scenario_with(
+        mapping(sd::data("macaddress", "00:11:22:33:44:55") + sd::data("USEDHCP", "true", "Bool") +
+                sd::data("virtualmachineuuid", "vm-x") + entries("ips", {"10.1.1.1"}, "IPS"))));
     ASSERT_TRUE(read());
     ASSERT_EQ(list.get_count(), 1u);
     EXPECT_EQ(text_of(first()->MacAddress), "00:11:22:33:44:55");
@@ -212,9 +213,8 @@ TEST_F(vnet_mapping_test, a_label_in_any_case_is_accepted) {
 
 TEST_F(vnet_mapping_test, repeated_labels_overwrite_text_fields_and_add_to_sequences) {
     load(scenario_with(mapping(sd::data("WinsPrimary", "192.0.2.1") +
-                               sd::data("WinsPrimary", "192.0.2.2") +
-                               entries("DNS", {"10.0.0.2"}) + entries("DNS", {"10.0.0.3"}) +
-                               sd::data("UseDHCP", "True", "Bool") +
+                               sd::data("WinsPrimary", "192.0.2.2") + entries("DNS", {"10.0.0.2"}) +
+                               entries("DNS", {"10.0.0.3"}) + sd::data("UseDHCP", "True", "Bool") +
                                sd::data("UseDHCP", "False", "Bool"))));
     ASSERT_TRUE(read());
     EXPECT_EQ(text_of(first()->WinsPrimary), "192.0.2.2");
@@ -289,8 +289,8 @@ TEST_F(vnet_mapping_test, a_label_that_names_no_field_is_ignored_at_level_8) {
 }
 
 TEST_F(vnet_mapping_test, a_mapping_whose_children_are_all_bad_still_gives_an_empty_record) {
-    load(scenario_with(mapping("<data label=\"MacAddress\"/><data val=\"x\"/>" +
-                               sd::data("Nothing", "x"))));
+    load(scenario_with(
+        mapping("<data label=\"MacAddress\"/><data val=\"x\"/>" + sd::data("Nothing", "x"))));
     ASSERT_TRUE(read());
     ASSERT_EQ(list.get_count(), 1u);
     EXPECT_EQ(text_of(first()->MacAddress), "");
