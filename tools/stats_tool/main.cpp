@@ -3,6 +3,7 @@
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
 #include "message_command.h"
+#include "set_state_command.h"
 #include "template_command.h"
 
 #include "files/file_manipulation.h"
@@ -40,6 +41,13 @@ const char* const usage_text =
     "                       record in DIR's state directory, in the per-host file\n"
     "                       <N>_stats.xml, whether host H's last synchronisation finished,\n"
     "                       and its time T, as the engine does\n"
+    "  set-state DIR --scenario-id N --host H [--scenario-name NAME]\n"
+    "            (--run | --stop | --sync-begin --time T | --sync-end --time T)\n"
+    "                       write DIR's state file as the engine does when the scenario starts\n"
+    "                       or stops, or a synchronisation begins or ends\n"
+    "  set-state --scenario FILE --host H (--run | --stop | --sync-begin --time T |\n"
+    "            --sync-end --time T)\n"
+    "                       the same under each root directory of host H of a stored scenario\n"
     "  load-steps           list the start-up steps this program ran for its own commands\n"
     "  message ID... [--messages FILE]\n"
     "                       print the text of each message id from the message catalogue\n"
@@ -55,6 +63,7 @@ const char* const usage_text =
     "\n"
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
+    "set-state: 0 written, 1 a write failed (2 also when the scenario file can't be loaded);\n"
     "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
     "has none; template: 0 printed; 2 error\n";
 
@@ -311,6 +320,13 @@ int main(int argc, char** argv) {
                                "and --time");
         return run_record_sync(directory, static_cast<std::uint32_t>(scenario_id),
                                static_cast<std::uint32_t>(host), done == 1, time);
+    }
+    if (command == "set-state") {
+        set_state_request_s request;
+        std::string wrong =
+            parse_set_state(std::vector<std::string>(rest.begin() + 1, rest.end()), request);
+        if (!wrong.empty()) return usage_error(wrong.c_str());
+        return run_set_state(request);
     }
     if (command != "state") return usage_error(("unknown command '" + command + "'").c_str());
     bool json = false;
