@@ -67,3 +67,43 @@ TEST(state_writer_crash,
     std::printf("%d kills: a state read %d times, nothing read %d times\n", rounds, read_states,
                 unread);
 }
+
+// Two engines writing one scenario at once: nothing but the opens' sharing rules stands between
+// them, and a writer's open shares with other writers, so the two may mix their bytes. Both
+// go on to the end, the queries answer what the rules allow, and the next write repairs the
+// file.
+TEST(state_writer_crash, two_writers_of_one_scenario_in_two_processes) {
+    test_support::temp_dir_c scenario, scratch;
+    const std::string path = scenario.str();
+    std::filesystem::create_directories(scenario.path() / StateDirName);
+    test_support::child_process_c first({test_support::program_path("engine_writer"), path, "300"},
+                                        scratch.join("first.out"));
+    test_support::child_process_c second({test_support::program_path("engine_writer"), path, "300"},
+                                         scratch.join("second.out"));
+    ASSERT_TRUE(first.started() && second.started());
+    int legal = 0;
+    for (int i = 0; i < 200; ++i) {
+        unsigned int index = 77;
+        bool read = get_scenario_state_index(path.c_str(), &index);
+        legal += (read && index < 3) || (!read && index == 3);
+    }
+    EXPECT_EQ(legal, 200);
+    ASSERT_EQ(first.wait(120000), 0) << first.output();
+    ASSERT_EQ(second.wait(120000), 0) << second.output();
+    long written_first = 0, written_second = 0;
+    EXPECT_EQ(std::sscanf(first.output().c_str(), "writing\ndone %ld", &written_first), 1)
+        << first.output();
+    EXPECT_EQ(std::sscanf(second.output().c_str(), "writing\ndone %ld", &written_second), 1)
+        << second.output();
+    unsigned int index = 77;
+    bool read = get_scenario_state_index(path.c_str(), &index);
+    EXPECT_TRUE((read && index < 3) || (!read && index == 3)) << read << " " << index;
+
+    stats_saver_ex_c saver;
+    saver.root_path.append(path.c_str());
+    saver.state_dir_name.append(StateDirName);
+    ASSERT_TRUE(saver.set_state(1, true));
+    EXPECT_TRUE(get_scenario_state_index(path.c_str(), &index));
+    EXPECT_EQ(index, 0u);
+    std::printf("writes that succeeded: %ld and %ld of 300 each\n", written_first, written_second);
+}
