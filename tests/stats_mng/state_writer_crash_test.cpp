@@ -19,12 +19,7 @@
 
 TEST(state_writer_crash,
      a_writer_killed_at_random_points_leaves_a_legal_answer_and_a_writable_file) {
-#if defined(_WIN32)
-    // Starting a process under wine takes a good part of a second: fewer kills, each as real.
-    const int rounds = 25;
-#else
     const int rounds = 1000;
-#endif
     test_support::temp_dir_c scenario, scratch;
     const std::string path = scenario.str();
     std::filesystem::create_directories(scenario.path() / StateDirName);
