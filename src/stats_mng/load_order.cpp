@@ -1,6 +1,7 @@
 #include "stats_mng/load_order.h"
 
 #include "configuration/conf.h"
+#include "configuration/xmc_cdp.h"
 #include "configuration/xmc_enums.h"
 #include "files/basic_file.h"
 #include "files/fs_info.h"
@@ -51,7 +52,11 @@ const load_order_n::step_s table[] = {
      stats_saver_ex_n::start_save_section, stats_saver_ex_n::stop_save_section},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
     {7, "the table of host data fields", xmc_enums_n::complete_group_host_data_table, nullptr},
+    {8, "the cdp_conf_creator_c instance", external_objects_n::start_cdp_creator,
+     external_objects_n::stop_cdp_creator},
     {9, "the list of creators", conf_fabric_n::start_fabric, conf_fabric_n::stop_fabric},
+    {10, "the db_conf_creator_c instance", external_objects_n::start_db_creator,
+     external_objects_n::stop_db_creator},
     {11, "an empty global utl_stream_c", build_spare_stream<0>, drop_spare_stream<0>},
     {12, "a thl_crit_section_c", build_spare_section<1>, drop_spare_section<1>},
     {13, "a thl_crit_section_c", build_spare_section<2>, drop_spare_section<2>},

@@ -185,9 +185,17 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
 
     // Appends the document's text to the stream.
     virtual void write(utl_stream_c& stream, bool with_header) {
+        stream._add_memory(get_xml_size());
+        write_item(this->_root, stream, with_header);
+    }
+
+    // The text of the document that this tree's declaration and the subtree of `item` make,
+    // appended to the stream: what write gives for a tree of which `item` were the root. The
+    // item stays where it is.
+    void write_item(T* item, utl_stream_c& stream, bool with_header) {
         xml_document_c doc;
         to_document(&doc);
-        stream._add_memory(get_xml_size());
+        if (item != this->_root) doc.add_node(to_node(item), nullptr);
         xml_node_c* root = doc.get_root();
         if (!root) return;
         if (with_header) doc._write_header(stream);

@@ -6,6 +6,7 @@
 #include "common/stack_thread.h"
 #include "common/test_support.h"
 #include "configuration/scenario_documents.h"
+#include "configuration/xmc_cdp.h"
 
 #include <gtest/gtest.h>
 
@@ -491,11 +492,25 @@ class made_c : public conf_c {
     std::atomic<int>& _ends;
 };
 
+// The start-up step's creator of database objects stands aside while a test's creator of that
+// id lives: the fabric asks the first creator of an id, and the test's must be the one asked.
+struct db_creator_aside_s {
+    explicit db_creator_aside_s(std::uint32_t kind) : active(kind == DB_OBJECT_ID) {
+        if (active) external_objects_n::stop_db_creator();
+    }
+    ~db_creator_aside_s() {
+        if (active) external_objects_n::start_db_creator();
+    }
+    db_creator_aside_s(const db_creator_aside_s&) = delete;
+    db_creator_aside_s& operator=(const db_creator_aside_s&) = delete;
+    bool active;
+};
+
 // A creator of one id for a test's lifetime, which records what it is asked.
-class recording_creator_c : public conf_object_creator_c {
+class recording_creator_c : private db_creator_aside_s, public conf_object_creator_c {
   public:
     explicit recording_creator_c(std::uint32_t kind, bool makes = true)
-        : conf_object_creator_c(kind), _makes(makes) {}
+        : db_creator_aside_s(kind), conf_object_creator_c(kind), _makes(makes) {}
     conf_c* create(xml_item_c* item) override {
         ++calls;
         asked.push_back(item);
