@@ -173,3 +173,38 @@ TEST_F(exports, null_trace_paths_give_true_and_leave_the_trace_as_it_is) {
     EXPECT_EQ(count_of(trace, line + "\n"), 3u) << trace;
     EXPECT_EQ(count_of(trace, "is_sync_replicated: The scenario path is null.\n"), 1u) << trace;
 }
+
+namespace {
+
+void set_environment(const char* name, const std::string& value) {
+#if defined(_WIN32)
+    _putenv_s(name, value.c_str());
+#else
+    if (value.empty())
+        unsetenv(name);
+    else
+        setenv(name, value.c_str(), 1);
+#endif
+}
+
+} // namespace
+
+// A process that names a trace directory before it loads the library gets the lines of the
+// start-up steps there, the generic configurator's build among them.
+TEST(library_load, loading_builds_the_generic_configurator_and_traces_its_success) {
+    temp_dir_c trace_dir;
+    set_environment("STATS_MNG_TRACE_DIR", trace_dir.str());
+    std::string trace;
+    {
+        loaded_library_c library;
+        set_environment("STATS_MNG_TRACE_DIR", "");
+        ASSERT_TRUE(library.loaded()) << library.error();
+        library.stop_trace();
+        trace = read_file(trace_dir.join("stats_mng.dll.log"));
+    }
+    std::string line =
+        test_support::trace_line(trace, "O.K. Generic Coonfigurator is successfully built up");
+    EXPECT_NE(line.find(" level=128 "), std::string::npos) << trace;
+    EXPECT_NE(line.find("generic_conf_builder_c::generic_conf_builder_c: "), std::string::npos);
+    EXPECT_EQ(count_of(trace, " level=4 "), 0u) << trace;
+}
