@@ -3,6 +3,7 @@
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
 #include "message_command.h"
+#include "new_scenario_command.h"
 #include "template_command.h"
 
 #include "files/file_manipulation.h"
@@ -46,6 +47,10 @@ const char* const usage_text =
     "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
     "                       then the catalogue of the source tree it was built from)\n"
     "  template             print the built-in template, the XMC document the library loads\n"
+    "  new-scenario --product P --application A [--vetted-failback]\n"
+    "                       print a stored scenario: the template's default Scenario for\n"
+    "                       product P and application A (items of the enumerations Product\n"
+    "                       and Application), ready to be stored, edited and validated\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -56,7 +61,7 @@ const char* const usage_text =
     "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
     "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
-    "has none; template: 0 printed; 2 error\n";
+    "has none; template, new-scenario: 0 printed; 2 error\n";
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -252,6 +257,8 @@ int main(int argc, char** argv) {
         if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
         return run_template();
     }
+    if (command == "new-scenario")
+        return run_new_scenario(std::vector<std::string>(rest.begin() + 1, rest.end()));
     if (command == "message") {
         std::vector<std::string> ids;
         std::string file;
