@@ -891,27 +891,30 @@ class reload_object_test : public ::testing::Test {
         conf.tree->write(out, false);
         return out.c_str() ? out.c_str() : "";
     }
+    // reload_object refuses the row for the host with `message`, a failure line under its own
+    // name, and leaves the tree as it was.
+    void expect_refused(std::uint32_t row, std::uint64_t host, const std::string& message) {
+        std::string before = text();
+        trace_capture_c capture;
+        EXPECT_FALSE(conf.reload_object(row, host));
+        std::string line = trace_line(capture.text(), message);
+        EXPECT_NE(line.find(" level=4 "), std::string::npos) << capture.text();
+        EXPECT_NE(line.find("scenario_conf_c::reload_object: "), std::string::npos);
+        EXPECT_EQ(text(), before);
+    }
 
     scenario_conf_c conf;
     xml_item_c* master = nullptr;
 };
 
 TEST_F(reload_object_test, rows_of_basic_objects_never_change_the_tree) {
-    std::string before = text();
-    for (std::uint32_t row : {0u, 17u, 25u}) {
+    for (std::uint32_t row : {0u, 17u, 25u})
         for (std::uint64_t host : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{2},
-                                   std::uint64_t{9}, MANAGER_INDEX}) {
-            trace_capture_c capture;
-            EXPECT_FALSE(conf.reload_object(row, host));
-            std::string expected = "Unable to reload Basic object " +
-                                   std::string(xmc_enums_n::object_tag_table[row].name) +
-                                   " with index " + std::to_string(static_cast<int>(host));
-            std::string line = trace_line(capture.text(), expected);
-            EXPECT_NE(line.find("scenario_conf_c::reload_object: "), std::string::npos)
-                << capture.text();
-        }
-    }
-    EXPECT_EQ(text(), before);
+                                   std::uint64_t{9}, MANAGER_INDEX})
+            expect_refused(row, host,
+                           "Unable to reload Basic object " +
+                               std::string(xmc_enums_n::object_tag_table[row].name) +
+                               " with index " + std::to_string(static_cast<int>(host)));
 }
 
 TEST_F(reload_object_test, replaces_an_object_but_keeps_the_host_index_and_external_objects) {
@@ -950,51 +953,24 @@ TEST_F(reload_object_test, a_host_object_is_replaced_below_its_host_only) {
 }
 
 TEST_F(reload_object_test, a_scenario_object_with_a_host_is_refused) {
-    std::string before = text();
-    trace_capture_c capture;
-    EXPECT_FALSE(conf.reload_object(4, 2));
-    EXPECT_FALSE(
-        trace_line(capture.text(), "Unable to reload Scenario object RedirectDNS with index 2")
-            .empty())
-        << capture.text();
-    EXPECT_EQ(text(), before);
+    expect_refused(4, 2, "Unable to reload Scenario object RedirectDNS with index 2");
 }
 
 TEST_F(reload_object_test, a_host_object_without_a_host_is_refused) {
-    trace_capture_c capture;
-    EXPECT_FALSE(conf.reload_object(38, 0));
-    EXPECT_FALSE(trace_line(capture.text(),
-                            "Unable to reload Host object TriggerFile, host index must be set")
-                     .empty())
-        << capture.text();
+    expect_refused(38, 0, "Unable to reload Host object TriggerFile, host index must be set");
 }
 
 TEST_F(reload_object_test, a_host_that_is_not_indexed_is_not_found) {
-    trace_capture_c capture;
-    EXPECT_FALSE(conf.reload_object(38, 5));
-    EXPECT_FALSE(trace_line(capture.text(), "Unable to find host node with index 5").empty())
-        << capture.text();
+    expect_refused(38, 5, "Unable to find host node with index 5");
 }
 
 TEST_F(reload_object_test, an_object_missing_from_the_tree_is_not_found) {
-    trace_capture_c capture;
-    EXPECT_FALSE(conf.reload_object(41, 1));
-    EXPECT_FALSE(
-        trace_line(capture.text(), "Unable to find object ReplicaScheduledTask with index 1")
-            .empty())
-        << capture.text();
+    expect_refused(41, 1, "Unable to find object ReplicaScheduledTask with index 1");
 }
 
 TEST_F(reload_object_test, an_object_without_a_default_is_reported) {
-    std::string before = text();
-    trace_capture_c capture;
     // The replica has `CommonHostProps`, but no definition has its id, 100.
-    EXPECT_FALSE(conf.reload_object(18, 2));
-    EXPECT_FALSE(
-        trace_line(capture.text(), "Unable to find default object CommonHostProps with index 2")
-            .empty())
-        << capture.text();
-    EXPECT_EQ(text(), before);
+    expect_refused(18, 2, "Unable to find default object CommonHostProps with index 2");
 }
 
 TEST(reload_object, a_scenario_without_a_tree_is_refused) {

@@ -30,6 +30,19 @@ class stats_tool : public ::testing::Test {
     // The output file of the last run.
     std::string output_file() const { return scratch.join("output.txt"); }
 
+    // Loads the scenario that the last run printed, as a stored scenario, and checks the fields
+    // the loader reads from it and the hosts it indexes.
+    void expect_instance(scenario_conf_c& conf, std::uint32_t product, std::uint32_t application,
+                         bool vetted_failback) {
+        scenario_load_result_s loaded = scenario_loader_n::load_file(conf, output_file().c_str());
+        ASSERT_TRUE(loaded.ok()) << loaded.message.c_str();
+        EXPECT_EQ(conf.product, product);
+        EXPECT_EQ(conf.application, application);
+        EXPECT_EQ(conf.vetted_failback, vetted_failback);
+        EXPECT_EQ(conf.config_mode, 1u);
+        EXPECT_EQ(loaded.host_count, 2u);
+    }
+
     run_result_s run(std::vector<std::string> args) {
 #if defined(_WIN32)
         args.insert(args.begin(), test_support::bin_dir() + "/stats_tool.exe");
@@ -299,13 +312,7 @@ TEST_F(stats_tool, new_scenario_prints_a_stored_scenario_that_the_loader_loads) 
         EXPECT_EQ(count_of(result.output, word), 0u) << word;
 
     scenario_conf_c conf;
-    scenario_load_result_s loaded = scenario_loader_n::load_file(conf, output_file().c_str());
-    ASSERT_TRUE(loaded.ok()) << loaded.message.c_str();
-    EXPECT_EQ(conf.product, 1u);
-    EXPECT_EQ(conf.application, 4u);
-    EXPECT_FALSE(conf.vetted_failback);
-    EXPECT_EQ(conf.config_mode, 1u);
-    EXPECT_EQ(loaded.host_count, 2u);
+    expect_instance(conf, 1, 4, false);
     EXPECT_EQ(val_in(conf, "Version"), "5");
     EXPECT_EQ(val_in(conf, "XMC_VersionNumber"), "164");
     EXPECT_NE(object_in(conf, "Switchover"), nullptr);
@@ -318,11 +325,7 @@ TEST_F(stats_tool, new_scenario_takes_the_product_the_application_and_the_flag) 
         {"new-scenario", "--application", "FileServer", "--vetted-failback", "--product", "Dr"});
     ASSERT_EQ(result.status, 0) << result.output;
     scenario_conf_c conf;
-    scenario_load_result_s loaded = scenario_loader_n::load_file(conf, output_file().c_str());
-    ASSERT_TRUE(loaded.ok()) << loaded.message.c_str();
-    EXPECT_EQ(conf.product, 0u);
-    EXPECT_EQ(conf.application, 0u);
-    EXPECT_TRUE(conf.vetted_failback);
+    expect_instance(conf, 0, 0, true);
     EXPECT_EQ(object_in(conf, "Switchover"), nullptr);
     EXPECT_EQ(object_in(conf, "External"), nullptr);
     EXPECT_NE(object_in(conf, "VettedFailbackObj"), nullptr);
