@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::size_t path_room = 4096 + 64;
 
-// The trace's process-wide state.
+// The trace's process-wide state. It has no destructor of substance, so that lines printed
+// while the library is torn down find it intact; the file is closed by file_closer below.
 struct trace_state_s {
     std::mutex mutex;
     std::FILE* file = nullptr;
@@ -26,30 +27,23 @@ struct trace_state_s {
     std::atomic<bool> has_file{false};
 };
 
-// The state is made on its first use and never destroyed: the shared library's start-up may
-// trace before this unit's own initialisers have run (MinGW runs the units' initialisers in
-// an order of its own, and a std::mutex is no constant there), and lines printed while the
-// library is torn down must find it intact. The file is closed by file_closer below.
-trace_state_s& trace() {
-    static trace_state_s* state = new trace_state_s;
-    return *state;
-}
+// Initialised before every other unit: the shared library's start-up may trace, and under MinGW,
+// where a std::mutex is no constant, a later initialiser would reset a trace opened by then.
+trace_state_s trace __attribute__((init_priority(101)));
 
 struct file_closer_s {
     ~file_closer_s() {
-        trace_state_s& state = trace();
-        std::lock_guard<std::mutex> hold(state.mutex);
-        state.has_file = false;
-        if (state.file) std::fclose(state.file);
-        state.file = nullptr;
+        std::lock_guard<std::mutex> hold(trace.mutex);
+        trace.has_file = false;
+        if (trace.file) std::fclose(trace.file);
+        trace.file = nullptr;
     }
 } file_closer;
 
 bool wanted(unsigned int level) {
-    trace_state_s& state = trace();
-    return state.has_file.load(std::memory_order_relaxed) &&
-           state.enabled.load(std::memory_order_relaxed) &&
-           (state.mask.load(std::memory_order_relaxed) & level) != 0;
+    return trace.has_file.load(std::memory_order_relaxed) &&
+           trace.enabled.load(std::memory_order_relaxed) &&
+           (trace.mask.load(std::memory_order_relaxed) & level) != 0;
 }
 
 std::string format_message(const char* format, std::va_list args) {
@@ -92,11 +86,10 @@ void write_line(unsigned int level, const char* source, int line, const char* fu
                   static_cast<unsigned long long>(os::current_thread_id()), level,
                   source ? source : "?", line, function ? function : "?");
     std::string text = head + message + "\n";
-    trace_state_s& state = trace();
-    std::lock_guard<std::mutex> hold(state.mutex);
-    if (!state.file) return;
-    std::fwrite(text.data(), 1, text.size(), state.file);
-    std::fflush(state.file);
+    std::lock_guard<std::mutex> hold(trace.mutex);
+    if (!trace.file) return;
+    std::fwrite(text.data(), 1, text.size(), trace.file);
+    std::fflush(trace.file);
 }
 
 void report(char* buffer, std::uint64_t& size, const char* text) {
@@ -155,11 +148,11 @@ bool qvtr_set_log_directory(char* buffer, std::uint64_t& size, const char* direc
     std::FILE* file = nullptr;
     if (!path.empty() && path.size() < path_room) file = os::fopen_utf8(path.c_str(), "ab");
     {
-        std::lock_guard<std::mutex> hold(trace().mutex);
-        if (trace().file) std::fclose(trace().file);
-        trace().file = file;
-        std::snprintf(trace().path, sizeof trace().path, "%s", file ? path.c_str() : "");
-        trace().has_file = file != nullptr;
+        std::lock_guard<std::mutex> hold(trace.mutex);
+        if (trace.file) std::fclose(trace.file);
+        trace.file = file;
+        std::snprintf(trace.path, sizeof trace.path, "%s", file ? path.c_str() : "");
+        trace.has_file = file != nullptr;
     }
     report(buffer, size, file ? path.c_str() : "");
     return file != nullptr;
@@ -171,8 +164,8 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
         report(buffer, size, "cannot read the trace settings file");
         return false;
     }
-    bool enabled = trace().enabled.load();
-    unsigned int mask = trace().mask.load();
+    bool enabled = trace.enabled.load();
+    unsigned int mask = trace.mask.load();
     bool understood = true;
     std::string content;
     char chunk[4096];
@@ -216,8 +209,8 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
         }
     }
     std::fclose(settings);
-    trace().enabled = enabled;
-    trace().mask = mask;
+    trace.enabled = enabled;
+    trace.mask = mask;
     report(buffer, size, understood ? "" : "some settings lines were not understood");
     return understood;
 }
@@ -225,6 +218,6 @@ bool qvtr_reparse_file(char* buffer, std::uint64_t& size, const char* file) {
 bool qvtr_is_console_application() { return os::has_console(); }
 
 std::string qvtr_current_log_file() {
-    std::lock_guard<std::mutex> hold(trace().mutex);
-    return trace().path;
+    std::lock_guard<std::mutex> hold(trace.mutex);
+    return trace.path;
 }
