@@ -136,6 +136,14 @@ struct built_s {
         conf = copy.build();
         trace = capture.text();
     }
+    // Whether the trace has a line that ends with `message`.
+    bool has_line(const std::string& message) const { return !trace_line(trace, message).empty(); }
+    // The build failed, with a line that ends with `message` among its trace.
+    void expect_failure_line(const std::string& message) const {
+        EXPECT_EQ(conf, nullptr);
+        EXPECT_TRUE(has_line(message)) << trace;
+    }
+
     std::unique_ptr<generic_conf_c> conf;
     std::string trace;
 };
@@ -187,8 +195,7 @@ TEST(generic_conf_build, text_that_is_no_xml_fails_to_load) {
     template_copy_c copy;
     copy.lines.pop_back(); // the root's closing tag
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Unable to load generic xml file").empty());
+    built.expect_failure_line("Unable to load generic xml file");
     EXPECT_FALSE(trace_line(built.trace, fatal_line).empty());
 }
 
@@ -214,12 +221,12 @@ TEST(generic_conf_build, item_order_changed_in_one_enum_gives_two_wrong_position
     EXPECT_EQ(built.conf, nullptr);
     EXPECT_EQ(count_of(built.trace, "has wrong position"), 2u) << built.trace;
     // The code's position is printed first, then the place in the template.
-    EXPECT_FALSE(trace_line(built.trace, "Item Ha of enumerator #1 \"Product\" has wrong position "
-                                         "1, in the code is 0")
-                     .empty());
-    EXPECT_FALSE(trace_line(built.trace, "Item Dr of enumerator #1 \"Product\" has wrong position "
-                                         "0, in the code is 1")
-                     .empty());
+    EXPECT_TRUE(built.has_line("Item Ha of enumerator #1 \"Product\" has wrong position "
+                               "1, in the code is 0"))
+        << built.trace;
+    EXPECT_TRUE(built.has_line("Item Dr of enumerator #1 \"Product\" has wrong position "
+                               "0, in the code is 1"))
+        << built.trace;
     EXPECT_FALSE(trace_line(built.trace, fatal_line).empty());
     // The enumerations fail the build before the tables and the hosts are looked at.
     EXPECT_EQ(count_of(built.trace, inconsistent), 0u);
@@ -270,11 +277,8 @@ TEST(generic_conf_build, report_under_a_title_of_scenario_and_directly_under_it_
         copy.lines.insert(copy.lines.begin() + static_cast<long>(switchover) + 1, moved.begin(),
                           moved.end());
         built_s built(copy);
-        EXPECT_EQ(built.conf, nullptr);
-        EXPECT_FALSE(trace_line(built.trace, "Inconsistent Papa object \"Switchover\" of "
-                                             "\"Report\", found in \"object_tag_table\"")
-                         .empty())
-            << built.trace;
+        built.expect_failure_line("Inconsistent Papa object \"Switchover\" of "
+                                  "\"Report\", found in \"object_tag_table\"");
     }
 }
 
@@ -318,27 +322,23 @@ TEST(generic_conf_build, a_second_landmark_is_superfluous_and_the_first_stays) {
     copy.lines.insert(copy.lines.begin() + static_cast<long>(group_version) + 1,
                       R"(<data label="Group_VersionNumber" val="9" type="Number"/>)");
     built_s built(copy);
-    EXPECT_FALSE(trace_line(built.trace, "Found superfluous XMC entry for enums").empty())
+    EXPECT_TRUE(built.has_line("Found superfluous XMC entry for enums")) << built.trace;
+    EXPECT_TRUE(built.has_line("Found superfluous XMC entry for Group_VersionNumber"))
         << built.trace;
-    EXPECT_FALSE(
-        trace_line(built.trace, "Found superfluous XMC entry for Group_VersionNumber").empty());
     // The first `enums` is the empty one: no enumerator is left to compare.
-    EXPECT_FALSE(trace_line(built.trace, "Set of enumerator has different number items (0) from "
-                                         "those in the code (16)")
-                     .empty());
+    EXPECT_TRUE(built.has_line("Set of enumerator has different number items (0) from "
+                               "those in the code (16)"))
+        << built.trace;
 }
 
 TEST(generic_conf_build, a_version_without_val_is_invalid) {
     template_copy_c copy;
     copy.replace(copy.find("label=\"Group_VersionNumber\""), " val=\"3\"", "");
     built_s built(copy);
-    EXPECT_FALSE(trace_line(built.trace, "Found invalid XMC entry for Group_VersionNumber").empty())
-        << built.trace;
+    EXPECT_TRUE(built.has_line("Found invalid XMC entry for Group_VersionNumber")) << built.trace;
     // The data item without `val` fails the shape check of the tables' step.
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Data item missing value \"data.Group_VersionNumber from "
-                                         "Scenario, object Group\"")
-                     .empty());
+    built.expect_failure_line("Data item missing value \"data.Group_VersionNumber from "
+                              "Scenario, object Group\"");
 }
 
 TEST(generic_conf_build, an_item_without_attributes_is_an_empty_entry) {
@@ -346,7 +346,7 @@ TEST(generic_conf_build, an_item_without_attributes_is_an_empty_entry) {
     std::size_t version = copy.find("<data label=\"Version\" val=\"5\"");
     copy.lines.insert(copy.lines.begin() + static_cast<long>(version) + 1, "<title/>");
     built_s built(copy);
-    EXPECT_FALSE(trace_line(built.trace, "Found empty XMC entry title").empty()) << built.trace;
+    EXPECT_TRUE(built.has_line("Found empty XMC entry title")) << built.trace;
     // Found, not fatal: the title has no label to check.
     EXPECT_NE(built.conf, nullptr);
 }
@@ -363,20 +363,19 @@ TEST(generic_conf_build, enumerator_faults_are_each_reported_with_their_number) 
     copy.replace(copy.find("<enum label=\"HostTask\""), "Replica", "Replica, Witness");
     copy.replace(copy.find("<enum label=\"ConfigMode\""), "Rewind", "Rewound");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Found unnamed enumerator #7").empty()) << built.trace;
-    EXPECT_FALSE(trace_line(built.trace, "Enumerator #9 \"GroupType\" misses list items").empty());
-    EXPECT_FALSE(
-        trace_line(built.trace, "Enumerator #13 \"CloudKind\" is undefined in the code").empty());
-    EXPECT_FALSE(trace_line(built.trace, "Enumerator #6 \"HostTask\" has different number items "
-                                         "(5) from the code (4)")
-                     .empty());
-    EXPECT_FALSE(trace_line(built.trace, "Item Witness of enumerator #6 \"HostTask\" is undefined "
-                                         "in the code")
-                     .empty());
-    EXPECT_FALSE(trace_line(built.trace, "Item Rewound of enumerator #3 \"ConfigMode\" is "
-                                         "undefined in the code")
-                     .empty());
+    built.expect_failure_line("Found unnamed enumerator #7");
+    EXPECT_TRUE(built.has_line("Enumerator #9 \"GroupType\" misses list items")) << built.trace;
+    EXPECT_TRUE(built.has_line("Enumerator #13 \"CloudKind\" is undefined in the code"))
+        << built.trace;
+    EXPECT_TRUE(built.has_line("Enumerator #6 \"HostTask\" has different number items "
+                               "(5) from the code (4)"))
+        << built.trace;
+    EXPECT_TRUE(built.has_line("Item Witness of enumerator #6 \"HostTask\" is undefined "
+                               "in the code"))
+        << built.trace;
+    EXPECT_TRUE(built.has_line("Item Rewound of enumerator #3 \"ConfigMode\" is "
+                               "undefined in the code"))
+        << built.trace;
     EXPECT_EQ(count_of(built.trace, "Set of enumerator"), 0u);
 }
 
@@ -386,31 +385,23 @@ TEST(generic_conf_objects, an_object_that_is_not_in_the_table_fails) {
     template_copy_c copy;
     copy.replace(copy.find("label=\"TriggerFile\"", 1), "TriggerFile", "TriggerFolder");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Invalid object item \"TriggerFolder\", not found in "
-                                         "\"object_tag_table\"")
-                     .empty())
-        << built.trace;
+    built.expect_failure_line("Invalid object item \"TriggerFolder\", not found in "
+                              "\"object_tag_table\"");
 }
 
 TEST(generic_conf_objects, an_id_of_zero_fails) {
     template_copy_c copy;
     copy.replace(copy.find("<object label=\"SpecificReplicaProps\""), "id=\"150\"", "id=\"0\"");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Invalid ID string of \"SpecificReplicaProps\" ").empty())
-        << built.trace;
+    built.expect_failure_line("Invalid ID string of \"SpecificReplicaProps\" ");
 }
 
 TEST(generic_conf_objects, an_id_other_than_the_rows_fails) {
     template_copy_c copy;
     copy.replace(copy.find("<object label=\"OnActive\"", 1), "id=\"300\"", "id=\"301\"");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Invalid ID 301  of object item \"OnActive\", not found "
-                                         "in \"object_tag_table\"")
-                     .empty())
-        << built.trace;
+    built.expect_failure_line("Invalid ID 301  of object item \"OnActive\", not found "
+                              "in \"object_tag_table\"");
 }
 
 TEST(generic_conf_objects, a_table_that_fixes_no_id_takes_any) {
@@ -425,14 +416,11 @@ TEST(generic_conf_objects, a_papa_that_is_not_in_the_table_fails) {
     std::size_t switchover = copy.find("<object label=\"Switchover\"", 1);
     copy.replace(switchover, "label=\"Switchover\"", "label=\"Changeover\"");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Invalid object item \"Changeover\", not found in "
-                                         "\"object_tag_table\"")
-                     .empty())
+    built.expect_failure_line("Invalid object item \"Changeover\", not found in "
+                              "\"object_tag_table\"");
+    EXPECT_TRUE(built.has_line("Invalid Papa object \"Changeover\" of \"OnActive\", not "
+                               "found in \"object_tag_table\""))
         << built.trace;
-    EXPECT_FALSE(trace_line(built.trace, "Invalid Papa object \"Changeover\" of \"OnActive\", not "
-                                         "found in \"object_tag_table\"")
-                     .empty());
 }
 
 TEST(generic_conf_objects, an_object_without_papa_fails) {
@@ -440,14 +428,10 @@ TEST(generic_conf_objects, an_object_without_papa_fails) {
     copy.lines[copy.find("<object label=\"ConfigDataHolder\"")] = "<holder>";
     copy.lines.back() = "</holder>";
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "No Papa object of \"Scenario\" is found in "
-                                         "\"object_tag_table\"")
-                     .empty())
+    built.expect_failure_line("No Papa object of \"Scenario\" is found in "
+                              "\"object_tag_table\"");
+    EXPECT_TRUE(built.has_line("No Papa object of \"Group\" is found in \"object_tag_table\""))
         << built.trace;
-    EXPECT_FALSE(
-        trace_line(built.trace, "No Papa object of \"Group\" is found in \"object_tag_table\"")
-            .empty());
 }
 
 TEST(generic_conf_objects, an_object_shape_fault_is_printed_as_findings) {
@@ -535,11 +519,8 @@ TEST(generic_conf_objects, a_data_item_with_an_unknown_attribute_fails_the_stric
     copy.replace(copy.find("<data label=\"StopScenario\""), "type=\"Bool\"",
                  "type=\"Bool\" hint=\"x\"");
     built_s built(copy);
-    EXPECT_EQ(built.conf, nullptr);
-    EXPECT_FALSE(trace_line(built.trace, "Superfluous attribute \"hint = x\" of data item "
-                                         "\"data.StopScenario from Scenario, object Scenario\"")
-                     .empty())
-        << built.trace;
+    built.expect_failure_line("Superfluous attribute \"hint = x\" of data item "
+                              "\"data.StopScenario from Scenario, object Scenario\"");
 }
 
 // ---- the root directories -----------------------------------------------------------------------
