@@ -96,6 +96,18 @@ class scenario_conf_c : public xmc_conf_c {
     // The name of the scenario for messages: its `ScenarioName`, or "UnKnown".
     const char* _scenario_name(utl_stream_c& stream) const;
 
+    // Replaces the object of row `object_row` of object_tag_table (below the host `host` for a
+    // host's object) by a fresh default from the generic configurator, for this scenario's
+    // product, application and flag (generic_conf.cpp). The host index and the external objects
+    // stay as they are. `Scenario`, `ReplNode` and `RootDir` are refused.
+    virtual bool reload_object(std::uint32_t object_row, std::uint64_t host);
+
+    // ---- root directory rules (root_dir_rules.cpp) ------------------------------------------
+    // The root directories of all hosts: present on the Master and mirrored by each replica.
+    // The rules that read settings (network paths, nesting, overlap between hosts of one
+    // address) come with the data access. Every step runs; true when none found a fault.
+    bool _check_array_root_dirs(xmc_validity_c& validity) const;
+
     std::uint32_t config_mode = scenario_conf_n::config_mode_regular;
     std::uint32_t product = scenario_conf_n::product_not_set;
     std::uint32_t application = scenario_conf_n::application_not_set;

@@ -1,6 +1,7 @@
 #include "stats_mng/load_order.h"
 
 #include "configuration/conf.h"
+#include "configuration/generic_conf.h"
 #include "configuration/xmc_cdp.h"
 #include "configuration/xmc_enums.h"
 #include "files/basic_file.h"
@@ -51,6 +52,10 @@ const load_order_n::step_s table[] = {
     {4, "the critical section serialising stats_saver_ex_c::_save",
      stats_saver_ex_n::start_save_section, stats_saver_ex_n::stop_save_section},
     {5, "a thl_crit_section_c", build_spare_section<0>, drop_spare_section<0>},
+#if !defined(STATS_MNG_WITHOUT_GENERIC_CONF) // the benchmark's library that leaves it out
+    {6, "the generic configurator", generic_conf_n::start_generic_conf,
+     generic_conf_n::stop_generic_conf},
+#endif
     {7, "the table of host data fields", xmc_enums_n::complete_group_host_data_table, nullptr},
     {8, "the cdp_conf_creator_c instance", external_objects_n::start_cdp_creator,
      external_objects_n::stop_cdp_creator},

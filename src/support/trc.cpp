@@ -27,7 +27,9 @@ struct trace_state_s {
     std::atomic<bool> has_file{false};
 };
 
-trace_state_s trace;
+// Initialised before every other unit: the shared library's start-up may trace, and under MinGW,
+// where a std::mutex is no constant, a later initialiser would reset a trace opened by then.
+trace_state_s trace __attribute__((init_priority(101)));
 
 struct file_closer_s {
     ~file_closer_s() {

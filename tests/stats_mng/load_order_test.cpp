@@ -2,6 +2,7 @@
 #include "stats_mng/load_order.h"
 
 #include "common/test_support.h"
+#include "configuration/generic_conf.h"
 #include "files/basic_file.h"
 #include "files/fs_info.h"
 #include "files/sys_info.h"
@@ -31,8 +32,8 @@ TEST(load_order, table_is_kept_in_the_order_of_its_numbers) {
 }
 
 TEST(load_order, steps_present_are_those_of_the_layers_built) {
-    EXPECT_EQ(numbers_of_steps(),
-              (std::vector<int>{1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 20, 22, 26}));
+    EXPECT_EQ(numbers_of_steps(), (std::vector<int>{1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11,
+                                                    12, 13, 14, 15, 16, 17, 18, 20, 22, 26}));
 }
 
 TEST(load_order, loading_ran_every_step_in_order) {
@@ -78,6 +79,7 @@ TEST(load_order, every_consumer_of_an_unstarted_step_says_so) {
         {"the sys_info_c instance", [] { return the_sys_info() != nullptr; }},
         {"the critical section serialising stats_saver_ex_c::_save",
          [] { return stats_saver_ex_n::save_section() != nullptr; }},
+        {"the generic configurator", [] { return the_generic_conf() != nullptr; }},
     };
     for (const consumer_s& consumer : consumers) {
         SCOPED_TRACE(consumer.what);
@@ -105,4 +107,23 @@ TEST(load_order, started_is_true_between_start_and_stop) {
     EXPECT_FALSE(load_order_n::started());
     load_order_n::start_all();
     EXPECT_TRUE(load_order_n::started());
+}
+
+// Step 6 of a program of the static core: a start builds the configurator from the built-in
+// template again and says so in the trace.
+TEST(load_order, starting_builds_the_generic_configurator_and_traces_its_success) {
+    test_support::trace_capture_c trace;
+    load_order_n::stop_all();
+    bool gone = !load_order_n::started();
+    load_order_n::start_all();
+    std::string line = test_support::trace_line(
+        trace.text(), "O.K. Generic Coonfigurator is successfully built up");
+    EXPECT_TRUE(gone);
+    EXPECT_NE(line.find(" level=128 "), std::string::npos) << trace.text();
+    EXPECT_NE(line.find("generic_conf_builder_c::generic_conf_builder_c: "), std::string::npos);
+    EXPECT_EQ(test_support::count_of(trace.text(), " level=4 "), 0u) << trace.text();
+    generic_conf_c* conf = the_generic_conf();
+    ASSERT_NE(conf, nullptr);
+    EXPECT_EQ(conf->xmc_version, 164u);
+    EXPECT_EQ(conf->group_version, 3u);
 }

@@ -1,11 +1,14 @@
 // The four exports, called through the shared library loaded at run time as an engine process
 // does; trace lines are read back from the library's trace file.
+#include "common/child_process.h"
 #include "common/loaded_library.h"
 #include "common/test_support.h"
+#include "platform/os.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 
 using test_support::count_of;
@@ -172,4 +175,58 @@ TEST_F(exports, null_trace_paths_give_true_and_leave_the_trace_as_it_is) {
     std::string trace = read_file(trace_file);
     EXPECT_EQ(count_of(trace, line + "\n"), 3u) << trace;
     EXPECT_EQ(count_of(trace, "is_sync_replicated: The scenario path is null.\n"), 1u) << trace;
+}
+
+namespace {
+
+void set_environment(const char* name, const std::string& value) {
+#if defined(_WIN32)
+    _putenv_s(name, value.c_str());
+#else
+    if (value.empty())
+        unsetenv(name);
+    else
+        setenv(name, value.c_str(), 1);
+#endif
+}
+
+} // namespace
+
+// A process that names a trace directory before it loads the library gets the lines of the
+// start-up steps there, the generic configurator's build among them. A library that has served
+// a thread may stay mapped until that thread ends (a thread-local object with a destructor pins
+// it under MinGW), so an earlier test of this process may have left it loaded: the load is made
+// in a fresh process, this executable started again for this test alone, which loads the
+// library as the tests above do.
+TEST(library_load, loading_builds_the_generic_configurator_and_traces_its_success) {
+    const char* const marker = "STATS_MNG_FRESH_PROCESS";
+    const std::string name =
+        "library_load.loading_builds_the_generic_configurator_and_traces_its_success";
+    if (std::getenv(marker)) {
+        loaded_library_c library;
+        ASSERT_TRUE(library.loaded()) << library.error();
+        return; // the parent reads the trace
+    }
+    temp_dir_c trace_dir, scratch;
+    set_environment("STATS_MNG_TRACE_DIR", trace_dir.str());
+    set_environment(marker, "1");
+    std::string said;
+    int exit_code = -1;
+    {
+        test_support::child_process_c child({os::executable_path(), "--gtest_filter=" + name},
+                                            scratch.join("child.log"));
+        exit_code = child.started() ? child.wait(120000) : -1;
+        if (child.started() && exit_code == -1) child.kill();
+        said = child.started() ? child.output() : std::string();
+    }
+    set_environment(marker, "");
+    set_environment("STATS_MNG_TRACE_DIR", "");
+    ASSERT_EQ(exit_code, 0) << said;
+    EXPECT_NE(said.find("[       OK ] " + name), std::string::npos) << said;
+    std::string trace = read_file(trace_dir.join("stats_mng.dll.log"));
+    std::string line =
+        test_support::trace_line(trace, "O.K. Generic Coonfigurator is successfully built up");
+    EXPECT_NE(line.find(" level=128 "), std::string::npos) << trace;
+    EXPECT_NE(line.find("generic_conf_builder_c::generic_conf_builder_c: "), std::string::npos);
+    EXPECT_EQ(count_of(trace, " level=4 "), 0u) << trace;
 }

@@ -1,6 +1,9 @@
 // stats_tool run as a separate process, as an operator or a script runs it.
 #include "common/test_support.h"
+#include "configuration/generic_conf.h"
+#include "configuration/scenario_conf.h"
 #include "configuration/scenario_documents.h"
+#include "configuration/scenario_loader.h"
 #include "configuration/xmc_item.h"
 #include "configuration/xmc_template.h"
 #include "platform/os.h"
@@ -26,6 +29,22 @@ struct run_result_s {
 
 class stats_tool : public ::testing::Test {
   protected:
+    // The output file of the last run.
+    std::string output_file() const { return scratch.join("output.txt"); }
+
+    // Loads the scenario that the last run printed, as a stored scenario, and checks the fields
+    // the loader reads from it and the hosts it indexes.
+    void expect_instance(scenario_conf_c& conf, std::uint32_t product, std::uint32_t application,
+                         bool vetted_failback) {
+        scenario_load_result_s loaded = scenario_loader_n::load_file(conf, output_file().c_str());
+        ASSERT_TRUE(loaded.ok()) << loaded.message.c_str();
+        EXPECT_EQ(conf.product, product);
+        EXPECT_EQ(conf.application, application);
+        EXPECT_EQ(conf.vetted_failback, vetted_failback);
+        EXPECT_EQ(conf.config_mode, 1u);
+        EXPECT_EQ(loaded.host_count, 2u);
+    }
+
     run_result_s run(std::vector<std::string> args) {
 #if defined(_WIN32)
         args.insert(args.begin(), test_support::bin_dir() + "/stats_tool.exe");
@@ -213,6 +232,138 @@ TEST_F(stats_tool, template_takes_no_argument) {
     EXPECT_EQ(result.status, 2);
     EXPECT_NE(result.output.find("unexpected argument 'extra'"), std::string::npos)
         << result.output;
+    run_result_s after_reference = run({"template", "--reference", "extra"});
+    EXPECT_EQ(after_reference.status, 2);
+    EXPECT_NE(after_reference.output.find("unexpected argument 'extra'"), std::string::npos)
+        << after_reference.output;
+}
+
+// The reference has one row for each data item and object of the configurator's tree, named by
+// its dotted path, and lines that end with one line feed.
+TEST_F(stats_tool, template_reference_has_a_row_for_every_setting) {
+    run_result_s result = run({"template", "--reference"});
+    ASSERT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(count_of(result.output, "\r"), 0u);
+    generic_conf_c* conf = the_generic_conf();
+    ASSERT_NE(conf, nullptr);
+    xml_item_c* root = conf->tree->get_root();
+    std::size_t settings = 0;
+    for (xml_item_c* item = root; item; item = xmc_tree_n::next_item(item, root)) {
+        const xmc_item_c* typed = xmc_item_c::as_xmc(item);
+        if (!typed || typed->kind == xmc_n::kind_title || typed->kind == xmc_n::kind_other)
+            continue;
+        ++settings;
+        utl_stream_c path;
+        std::string row = "\n| `" + std::string(item->get_path(path)) + "` | ";
+        EXPECT_NE(result.output.find(row), std::string::npos) << row;
+    }
+    ASSERT_GT(settings, 0u);
+    EXPECT_EQ(count_of(result.output, "\n| `ConfigDataHolder"), settings);
+    EXPECT_NE(result.output.find("| `ConfigDataHolder.Scenario.Switchover.TraficRedirection."
+                                 "RedirectDNS` | object, id 4700 | status `True`; `False` for "
+                                 "Application HyperV, FullSystem |  |  |  | Product: Ha | "),
+              std::string::npos);
+    EXPECT_NE(result.output.find("| `ConfigDataHolder.Scenario.Switchover.is_alive.HeartbeatTimeout"
+                                 "` | `Number` | `30` | minimum 3, maximum 86400 |"),
+              std::string::npos);
+}
+
+// docs/settings.md is the reference of this build's template; regenerate it with
+// `stats_tool template --reference > docs/settings.md` after a change of the template.
+TEST_F(stats_tool, docs_settings_md_is_the_current_reference) {
+    run_result_s result = run({"template", "--reference"});
+    ASSERT_EQ(result.status, 0) << result.output;
+    std::string committed = test_support::read_file(STATS_MNG_SETTINGS_REFERENCE);
+    ASSERT_FALSE(committed.empty()) << STATS_MNG_SETTINGS_REFERENCE;
+    EXPECT_TRUE(result.output == committed)
+        << "docs/settings.md is out of date: run stats_tool template --reference > "
+           "docs/settings.md";
+}
+
+// ---- new-scenario
+
+namespace {
+
+// The first object labelled `label` in the loaded scenario, in pre-order.
+xml_item_c* object_in(scenario_conf_c& conf, const char* label) {
+    return conf.find_tree_item(label, true);
+}
+
+std::string val_in(scenario_conf_c& conf, const char* label) {
+    xml_item_c* item = conf.find_tree_item(label, false);
+    labeled_value_c* val = item ? item->find_attribute("val") : nullptr;
+    return val ? val->to_text() : "";
+}
+
+} // namespace
+
+TEST_F(stats_tool, new_scenario_prints_a_stored_scenario_that_the_loader_loads) {
+    run_result_s result = run({"new-scenario", "--product", "Ha", "--application", "SQL"});
+    ASSERT_EQ(result.status, 0) << result.output;
+    // The writer's form, one line feed a line on every platform.
+    EXPECT_EQ(result.output.rfind("<?xml version=\"1.0\"?>\n<object label=\"ConfigDataHolder\" "
+                                  "id=\"1\">\n",
+                                  0),
+              0u)
+        << result.output.substr(0, 200);
+    EXPECT_EQ(count_of(result.output, "\r"), 0u);
+    // Nothing of the template's machinery is left: no definitions, variables, switches or
+    // conditions.
+    for (const char* word : {"<definitions", "\"variable\"", "<switch_to_set_default", "<relevant",
+                             "<irrelevant", "label=\"Group\""})
+        EXPECT_EQ(count_of(result.output, word), 0u) << word;
+
+    scenario_conf_c conf;
+    expect_instance(conf, 1, 4, false);
+    EXPECT_EQ(val_in(conf, "Version"), "5");
+    EXPECT_EQ(val_in(conf, "XMC_VersionNumber"), "164");
+    EXPECT_NE(object_in(conf, "Switchover"), nullptr);
+    EXPECT_NE(object_in(conf, "External"), nullptr);
+    EXPECT_EQ(object_in(conf, "VettedFailbackObj"), nullptr);
+}
+
+TEST_F(stats_tool, new_scenario_takes_the_product_the_application_and_the_flag) {
+    run_result_s result = run(
+        {"new-scenario", "--application", "FileServer", "--vetted-failback", "--product", "Dr"});
+    ASSERT_EQ(result.status, 0) << result.output;
+    scenario_conf_c conf;
+    expect_instance(conf, 0, 0, true);
+    EXPECT_EQ(object_in(conf, "Switchover"), nullptr);
+    EXPECT_EQ(object_in(conf, "External"), nullptr);
+    EXPECT_NE(object_in(conf, "VettedFailbackObj"), nullptr);
+    EXPECT_EQ(val_in(conf, "SynchType"), "FileSynchronization");
+}
+
+TEST_F(stats_tool, new_scenario_with_an_unknown_name_exits_with_two_and_one_line) {
+    run_result_s product = run({"new-scenario", "--product", "Hb", "--application", "SQL"});
+    EXPECT_EQ(product.status, 2);
+    std::erase(product.output, '\r');
+    EXPECT_EQ(product.output,
+              "stats_tool: unknown product 'Hb'; the products are Dr, Ha, Cd, Rw\n");
+    // Names are items of the enumerations, compared exactly.
+    run_result_s application = run({"new-scenario", "--product", "Ha", "--application", "sql"});
+    EXPECT_EQ(application.status, 2);
+    EXPECT_EQ(count_of(application.output, "\n"), 1u) << application.output;
+    EXPECT_EQ(application.output.rfind("stats_tool: unknown application 'sql'; the applications "
+                                       "are FileServer, Exchange, ",
+                                       0),
+              0u)
+        << application.output;
+}
+
+TEST_F(stats_tool, new_scenario_usage_errors_exit_with_two_and_one_line) {
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"new-scenario"},
+          std::vector<std::string>{"new-scenario", "--product", "Ha"},
+          std::vector<std::string>{"new-scenario", "--application", "SQL"},
+          std::vector<std::string>{"new-scenario", "--product", "Ha", "--application"},
+          std::vector<std::string>{"new-scenario", "--product", "Ha", "--application", "SQL",
+                                   "extra"}}) {
+        run_result_s result = run(args);
+        EXPECT_EQ(result.status, 2) << args.size();
+        EXPECT_EQ(count_of(result.output, "\n"), 1u) << result.output;
+        EXPECT_EQ(result.output.rfind("stats_tool: ", 0), 0u) << result.output;
+    }
 }
 
 // ---- set-state: the engine's writes, read back by the queries

@@ -3,6 +3,8 @@
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
 #include "message_command.h"
+#include "new_scenario_command.h"
+#include "reference_command.h"
 #include "set_state_command.h"
 #include "template_command.h"
 
@@ -53,7 +55,13 @@ const char* const usage_text =
     "                       print the text of each message id from the message catalogue\n"
     "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
     "                       then the catalogue of the source tree it was built from)\n"
-    "  template             print the built-in template, the XMC document the library loads\n"
+    "  template [--reference]\n"
+    "                       print the built-in template, the XMC document the library loads;\n"
+    "                       with --reference, a Markdown reference of its settings\n"
+    "  new-scenario --product P --application A [--vetted-failback]\n"
+    "                       print a stored scenario: the template's default Scenario for\n"
+    "                       product P and application A (items of the enumerations Product\n"
+    "                       and Application), ready to be stored, edited and validated\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -65,7 +73,7 @@ const char* const usage_text =
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
     "set-state: 0 written, 1 a write failed (2 also when the scenario file can't be loaded);\n"
     "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
-    "has none; template: 0 printed; 2 error\n";
+    "has none; template, new-scenario: 0 printed; 2 error\n";
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -258,9 +266,14 @@ int main(int argc, char** argv) {
         return run_load_steps();
     }
     if (command == "template") {
-        if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
-        return run_template();
+        bool reference = rest.size() > 1 && rest[1] == "--reference";
+        std::size_t extra = reference ? 2 : 1;
+        if (rest.size() > extra)
+            return usage_error(("unexpected argument '" + rest[extra] + "'").c_str());
+        return reference ? run_settings_reference() : run_template();
     }
+    if (command == "new-scenario")
+        return run_new_scenario(std::vector<std::string>(rest.begin() + 1, rest.end()));
     if (command == "message") {
         std::vector<std::string> ids;
         std::string file;
