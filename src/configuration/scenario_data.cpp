@@ -33,6 +33,12 @@ void remember_failure(const char* text) {
     std::snprintf(last_failure + used, sizeof last_failure - used, "%s", text);
 }
 
+// A setter's words when the tree is missing: those that _check_mixed_tree traced.
+void remember_missing_tree() {
+    remember_failure(tree_missing);
+    remember_failure("\n");
+}
+
 // A failure line of a setter: traced at level 4 and kept as the thread's last failure.
 void fail(qvtr_entry_c& tr, int line, const char* format, ...) QVTR_PRINTF(3, 4);
 void fail(qvtr_entry_c& tr, int line, const char* format, ...) {
@@ -325,7 +331,7 @@ bool scenario_conf_c::set_scenario_data(std::uint32_t row, xmc_value_c& value, b
     forget_failure();
     single_writer_lock_c write(scenario_lock);
     if (!_check_mixed_tree(nullptr)) {
-        remember_failure("XMC tree is missing\n");
+        remember_missing_tree();
         return false;
     }
     if (row < scenario_data_count && !force && scenario_data_table[row].fixed) {
@@ -444,7 +450,7 @@ bool scenario_conf_c::set_host_data(std::uint32_t row, std::uint64_t host, xmc_v
     forget_failure();
     single_writer_lock_c write(scenario_lock);
     if (!_check_mixed_tree(nullptr)) {
-        remember_failure("XMC tree is missing\n");
+        remember_missing_tree();
         return false;
     }
     xml_item_c* host_item = nullptr;
@@ -481,7 +487,7 @@ bool scenario_conf_c::set_host_data(std::uint32_t row, xmc_value_c& value) {
     forget_failure();
     single_writer_lock_c write(scenario_lock);
     if (!_check_mixed_tree(nullptr)) {
-        remember_failure("XMC tree is missing\n");
+        remember_missing_tree();
         return false;
     }
     if (row >= host_data_count) {
@@ -552,7 +558,7 @@ bool scenario_conf_c::set_group_data(std::uint32_t row, xmc_value_c& value, bool
     forget_failure();
     single_writer_lock_c write(group_lock);
     if (!_check_mixed_tree(nullptr)) {
-        remember_failure("XMC tree is missing\n");
+        remember_missing_tree();
         return false;
     }
     if (row < group_data_count && !force && group_data_table[row].fixed) {
@@ -698,7 +704,7 @@ bool scenario_conf_c::set_scenario_in_group(std::uint32_t scenario_id, std::uint
     forget_failure();
     single_writer_lock_c write(group_lock);
     if (!_check_mixed_tree(nullptr)) {
-        remember_failure("XMC tree is missing\n");
+        remember_missing_tree();
         return false;
     }
     return _set_scenario_in_group(scenario_id, row, value, no_type_check);
