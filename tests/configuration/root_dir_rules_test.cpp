@@ -205,6 +205,8 @@ TEST_F(root_dir_rules_test, paths_without_a_drive_tell_case_and_a_note_says_so) 
 }
 
 TEST_F(root_dir_rules_test, paths_without_a_drive_nest_when_the_case_agrees) {
+    load(scenario({"1", "10.0.0.1", dir("/a", "1") + dir("/a/b", "2")}));
+    EXPECT_EQ(check(false), (std::vector<finding_t>{root_dir_finding(18, 1, 1)}));
     load(scenario({"1", "10.0.0.1", dir("/a/b", "1") + dir("/a", "2")}));
     EXPECT_EQ(check(false), (std::vector<finding_t>{root_dir_finding(18, 1, 1)}))
         << "the inner path first nests all the same";
