@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 using test_support::count_of;
@@ -213,6 +214,12 @@ std::string stored_scenario() {
 class stats_tool_settings : public stats_tool {
   protected:
     void SetUp() override { test_support::write_file(file, stored_scenario()); }
+    // The tool's output with the line ends of its platform read as line feeds.
+    run_result_s run(std::vector<std::string> args) {
+        run_result_s result = stats_tool::run(std::move(args));
+        std::erase(result.output, '\r');
+        return result;
+    }
     std::string contents() { return test_support::read_file(file); }
 
     std::string file = scenario.join("scenario.xml");
