@@ -76,9 +76,32 @@ std::int64_t first_network_path(const array_ct<root_dir_c>* dirs) {
     return -1;
 }
 
+// False only where path_n::is_file_in_dir(path, dir, false) is surely false, told from the
+// bytes: the length, the byte after the directory's part, and the leading run of ASCII. The full
+// test folds both texts to lower-case UTF-16 and so costs two conversions a call; over a leading
+// run of ASCII the UTF-16 units are the bytes, and the fold of an ASCII unit is that of A-Z,
+// so two bytes that differ there settle it. From the first byte that is not ASCII on, the full
+// test decides. The overlap rule meets every pair of paths of hosts on one address, most of
+// which part within their first bytes.
+bool may_lie_in(const char* path, const char* dir) {
+    std::size_t n = std::strlen(dir);
+    if (n && is_slash(dir[n - 1])) --n;
+    std::size_t path_length = std::strlen(path);
+    if (n > path_length || (path[n] != 0 && !is_slash(path[n]))) return false;
+    auto fold = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c + 0x20 : c; };
+    for (std::size_t i = 0; i < n; ++i) {
+        auto a = static_cast<unsigned char>(dir[i]), b = static_cast<unsigned char>(path[i]);
+        if (a >= 0x80 || b >= 0x80) return true;
+        if (fold(a) != fold(b)) return false;
+    }
+    return true;
+}
+
 bool nested(const char* a, const char* b, bool case_sensitive) {
-    return path_n::is_file_in_dir(a, b, case_sensitive) ||
-           path_n::is_file_in_dir(b, a, case_sensitive);
+    if (case_sensitive)
+        return path_n::is_file_in_dir(a, b, true) || path_n::is_file_in_dir(b, a, true);
+    return (may_lie_in(a, b) && path_n::is_file_in_dir(a, b, false)) ||
+           (may_lie_in(b, a) && path_n::is_file_in_dir(b, a, false));
 }
 
 } // namespace

@@ -222,6 +222,19 @@ TEST_F(root_dir_rules_test, a_trailing_slash_on_the_outer_path_changes_nothing) 
         << "C:\\a\\ holds C:\\a\\b and not C:\\ab";
 }
 
+TEST_F(root_dir_rules_test, letters_beyond_ascii_are_compared_without_regard_to_case) {
+    // \u00c9 and \u00e9 are one letter in two cases; \u00e8 is another letter.
+    load(scenario({"1",
+                   "10.0.0.1",
+                   dir("C:/\u00c9t\u00e9", "1") + dir("C:/\u00e9T\u00c9/x", "2"),
+                   false,
+                   {{"2", "10.0.0.1", dir("D:/\u00e9", "1") + dir("D:/\u00e8/x", "2")}}}));
+    EXPECT_EQ(check(false), (std::vector<finding_t>{root_dir_finding(18, 1, 1)}));
+    raw_path(2, 0, "c:/\u00e9t\u00e9/y");
+    EXPECT_EQ(check(false),
+              (std::vector<finding_t>{root_dir_finding(18, 1, 1), root_dir_finding(13, 2, 0)}));
+}
+
 TEST_F(root_dir_rules_test,
        two_root_directories_with_the_same_id_that_also_nest_give_only_code_18) {
     load(scenario({"1", "10.0.0.1", dir("C:/a", "1") + dir("C:/a/b", "1") + dir("D:/c", "1")}));
