@@ -148,6 +148,55 @@ const char* group_list_key(std::uint32_t list) {
     }
 }
 
+// The value of the property `label` of the object `object` at or below `start` (the root when
+// null), or the error that it is not there.
+void read_property(const scenario_conf_c& conf, const char* object, const char* label,
+                   xml_item_c* start, xmc_value_c& value) {
+    xml_item_c* out = nullptr;
+    if (labeled_value_c* attribute = conf.find_property(object, label, start, &out))
+        conf.fill_value(attribute, out, value);
+    else
+        set_value_error(value, std::string("Unable to find node with property ") + or_empty(label));
+}
+
+// Stores the value into the property of a scenario, group or member row found from `start`,
+// with the words of the caller's scope `tr` when it is not there or the value does not fit.
+bool store_row(scenario_conf_c& conf, qvtr_entry_c& tr, const scenario_data_s& r, xml_item_c* start,
+               xmc_value_c& value, bool no_type_check) {
+    const char* object = object_name(r.object);
+    xml_item_c* out = nullptr;
+    labeled_value_c* attribute = conf.find_property(object, r.label, start, &out);
+    if (!attribute) {
+        fail(tr, __LINE__, "Unable to find node \"%s\" with property \"%s\"\n", object, r.label);
+        return false;
+    }
+    if (!conf.store_value(attribute, out, value, no_type_check)) {
+        // The words name the value as a text; the caller's list keeps its form.
+        xmc_value_c shown(value);
+        fail(tr, __LINE__, "Unable to set \"%s.%s\" = \"%s\", type doesn't fit\n", object, r.label,
+             shown.to_text());
+        return false;
+    }
+    return true;
+}
+
+// The test of a setter that holds its lock: a missing tree is traced by _check_mixed_tree and
+// is the setter's last failure.
+bool tree_missing_for_setter(const scenario_conf_c& conf) {
+    if (conf._check_mixed_tree(nullptr)) return false;
+    remember_missing_tree();
+    return true;
+}
+
+// A fixed row of a scenario or group table that the caller does not force: traced, refused.
+bool refused_as_fixed(qvtr_entry_c& tr, const scenario_data_s* table, std::uint32_t count,
+                      std::uint32_t row, bool force) {
+    if (row >= count || force || !table[row].fixed) return false;
+    fail(tr, __LINE__, "Unable to reset fixed property \"%s.%s\"\n", object_name(table[row].object),
+         table[row].label);
+    return true;
+}
+
 } // namespace
 
 const char* scenario_conf_c::last_set_failure() { return last_failure; }
@@ -288,11 +337,7 @@ xmc_value_c& scenario_conf_c::_get_scenario_data(std::uint32_t row, xmc_value_c&
         return value;
     }
     const scenario_data_s& r = scenario_data_table[row];
-    xml_item_c* out = nullptr;
-    if (labeled_value_c* attribute = find_property(object_name(r.object), r.label, nullptr, &out))
-        fill_value(attribute, out, value);
-    else
-        set_value_error(value, std::string("Unable to find node with property ") + r.label);
+    read_property(*this, object_name(r.object), r.label, nullptr, value);
     return value;
 }
 
@@ -308,37 +353,15 @@ bool scenario_conf_c::_set_scenario_data(std::uint32_t row, xmc_value_c& value) 
         fail(tr, __LINE__, "No scenario data row %u\n", row);
         return false;
     }
-    const scenario_data_s& r = scenario_data_table[row];
-    const char* object = object_name(r.object);
-    xml_item_c* out = nullptr;
-    labeled_value_c* attribute = find_property(object, r.label, nullptr, &out);
-    if (!attribute) {
-        fail(tr, __LINE__, "Unable to find node \"%s\" with property \"%s\"\n", object, r.label);
-        return false;
-    }
-    if (!store_value(attribute, out, value, false)) {
-        // The words name the value as a text; the caller's list keeps its form.
-        xmc_value_c shown(value);
-        fail(tr, __LINE__, "Unable to set \"%s.%s\" = \"%s\", type doesn't fit\n", object, r.label,
-             shown.to_text());
-        return false;
-    }
-    return true;
+    return store_row(*this, tr, scenario_data_table[row], nullptr, value, false);
 }
 
 bool scenario_conf_c::set_scenario_data(std::uint32_t row, xmc_value_c& value, bool force) {
     QVTR_SCOPE(tr, "scenario_conf_c::set_scenario_data", source);
     forget_failure();
     single_writer_lock_c write(scenario_lock);
-    if (!_check_mixed_tree(nullptr)) {
-        remember_missing_tree();
-        return false;
-    }
-    if (row < scenario_data_count && !force && scenario_data_table[row].fixed) {
-        fail(tr, __LINE__, "Unable to reset fixed property \"%s.%s\"\n",
-             object_name(scenario_data_table[row].object), scenario_data_table[row].label);
-        return false;
-    }
+    if (tree_missing_for_setter(*this)) return false;
+    if (refused_as_fixed(tr, scenario_data_table, scenario_data_count, row, force)) return false;
     return _set_scenario_data(row, value);
 }
 
@@ -449,10 +472,7 @@ bool scenario_conf_c::set_host_data(std::uint32_t row, std::uint64_t host, xmc_v
     QVTR_SCOPE(tr, "scenario_conf_c::set_host_data", source);
     forget_failure();
     single_writer_lock_c write(scenario_lock);
-    if (!_check_mixed_tree(nullptr)) {
-        remember_missing_tree();
-        return false;
-    }
+    if (tree_missing_for_setter(*this)) return false;
     xml_item_c* host_item = nullptr;
     if (host != MANAGER_INDEX) {
         host_index_node_s* node = host_tree ? host_tree->find_host_node(host) : nullptr;
@@ -486,10 +506,7 @@ bool scenario_conf_c::set_host_data(std::uint32_t row, xmc_value_c& value) {
     QVTR_SCOPE(tr, "scenario_conf_c::set_host_data", source);
     forget_failure();
     single_writer_lock_c write(scenario_lock);
-    if (!_check_mixed_tree(nullptr)) {
-        remember_missing_tree();
-        return false;
-    }
+    if (tree_missing_for_setter(*this)) return false;
     if (row >= host_data_count) {
         fail(tr, __LINE__, "No host data row %u\n", row);
         return false;
@@ -516,11 +533,7 @@ xmc_value_c& scenario_conf_c::_get_group_data(std::uint32_t row, xmc_value_c& va
         return value;
     }
     const scenario_data_s& r = group_data_table[row];
-    xml_item_c* out = nullptr;
-    if (labeled_value_c* attribute = find_property(object_name(r.object), r.label, nullptr, &out))
-        fill_value(attribute, out, value);
-    else
-        set_value_error(value, std::string("Unable to find node with property ") + r.label);
+    read_property(*this, object_name(r.object), r.label, nullptr, value);
     return value;
 }
 
@@ -536,36 +549,15 @@ bool scenario_conf_c::_set_group_data(std::uint32_t row, xmc_value_c& value) {
         fail(tr, __LINE__, "No group data row %u\n", row);
         return false;
     }
-    const scenario_data_s& r = group_data_table[row];
-    const char* object = object_name(r.object);
-    xml_item_c* out = nullptr;
-    labeled_value_c* attribute = find_property(object, r.label, nullptr, &out);
-    if (!attribute) {
-        fail(tr, __LINE__, "Unable to find node \"%s\" with property \"%s\"\n", object, r.label);
-        return false;
-    }
-    if (!store_value(attribute, out, value, false)) {
-        xmc_value_c shown(value);
-        fail(tr, __LINE__, "Unable to set \"%s.%s\" = \"%s\", type doesn't fit\n", object, r.label,
-             shown.to_text());
-        return false;
-    }
-    return true;
+    return store_row(*this, tr, group_data_table[row], nullptr, value, false);
 }
 
 bool scenario_conf_c::set_group_data(std::uint32_t row, xmc_value_c& value, bool force) {
     QVTR_SCOPE(tr, "scenario_conf_c::set_group_data", source);
     forget_failure();
     single_writer_lock_c write(group_lock);
-    if (!_check_mixed_tree(nullptr)) {
-        remember_missing_tree();
-        return false;
-    }
-    if (row < group_data_count && !force && group_data_table[row].fixed) {
-        fail(tr, __LINE__, "Unable to reset fixed property \"%s.%s\"\n",
-             object_name(group_data_table[row].object), group_data_table[row].label);
-        return false;
-    }
+    if (tree_missing_for_setter(*this)) return false;
+    if (refused_as_fixed(tr, group_data_table, group_data_count, row, force)) return false;
     return _set_group_data(row, value);
 }
 
@@ -616,11 +608,7 @@ xmc_value_c& scenario_conf_c::_get_scenario_in_group(std::uint32_t scenario_id, 
         return value;
     }
     const scenario_data_s& r = group_scenario_data_table[row];
-    xml_item_c* out = nullptr;
-    if (labeled_value_c* attribute = find_property(object_name(r.object), r.label, entry, &out))
-        fill_value(attribute, out, value);
-    else
-        set_value_error(value, std::string("Unable to find node with property ") + r.label);
+    read_property(*this, object_name(r.object), r.label, entry, value);
     return value;
 }
 
@@ -653,12 +641,7 @@ xmc_value_c& scenario_conf_c::_get_host_in_group(std::uint32_t scenario_id, std:
         return value;
     }
     const group_host_data_s& r = group_host_data_table[row];
-    xml_item_c* out = nullptr;
-    if (labeled_value_c* attribute = find_property(object_name(r.object), r.label, host, &out))
-        fill_value(attribute, out, value);
-    else
-        set_value_error(value,
-                        std::string("Unable to find node with property ") + or_empty(r.label));
+    read_property(*this, object_name(r.object), r.label, host, value);
     return value;
 }
 
@@ -682,31 +665,14 @@ bool scenario_conf_c::_set_scenario_in_group(std::uint32_t scenario_id, std::uin
         fail(tr, __LINE__, "Unable to find scenario %u\n", scenario_id);
         return false;
     }
-    const scenario_data_s& r = group_scenario_data_table[row];
-    const char* object = object_name(r.object);
-    xml_item_c* out = nullptr;
-    labeled_value_c* attribute = find_property(object, r.label, entry, &out);
-    if (!attribute) {
-        fail(tr, __LINE__, "Unable to find node \"%s\" with property \"%s\"\n", object, r.label);
-        return false;
-    }
-    if (!store_value(attribute, out, value, no_type_check)) {
-        xmc_value_c shown(value);
-        fail(tr, __LINE__, "Unable to set \"%s.%s\" = \"%s\", type doesn't fit\n", object, r.label,
-             shown.to_text());
-        return false;
-    }
-    return true;
+    return store_row(*this, tr, group_scenario_data_table[row], entry, value, no_type_check);
 }
 
 bool scenario_conf_c::set_scenario_in_group(std::uint32_t scenario_id, std::uint32_t row,
                                             xmc_value_c& value, bool no_type_check) {
     forget_failure();
     single_writer_lock_c write(group_lock);
-    if (!_check_mixed_tree(nullptr)) {
-        remember_missing_tree();
-        return false;
-    }
+    if (tree_missing_for_setter(*this)) return false;
     return _set_scenario_in_group(scenario_id, row, value, no_type_check);
 }
 
