@@ -102,10 +102,102 @@ class scenario_conf_c : public xmc_conf_c {
     // stay as they are. `Scenario`, `ReplNode` and `RootDir` are refused.
     virtual bool reload_object(std::uint32_t object_row, std::uint64_t host);
 
+    // ---- data access by table row and by dotted name (scenario_data.cpp) --------------------
+    // A setting is a row of scenario_data_table, host_data_table, group_data_table,
+    // group_scenario_data_table or group_host_data_table. Getters read under a reader lock and
+    // tell a failure in the value (its error flag, lookup_failed and error_text) and return it;
+    // setters write under the writer lock and answer false with a trace line. Scenario and host
+    // data are guarded by scenario_lock, group data by group_lock, and no operation holds both.
+    // A host is 1 for the Master, its `Index` for a replica, or MANAGER_INDEX for the Manager,
+    // whose rows (the `manager` ones) are read from the scenario's own level.
+    virtual xmc_value_c& get_scenario_data(std::uint32_t row, xmc_value_c& value);
+    virtual xmc_value_c& get_host_data(std::uint32_t row, std::uint64_t host, xmc_value_c& value);
+    // By the dotted path of the setting's item (compared without regard to case): the first
+    // row whose item has that path is set by row. False, without a trace, when none has it.
+    virtual bool set_scenario_data(const char* full_name, xmc_value_c& value, bool force);
+    // A `fixed` row is refused unless `force` is given.
+    virtual bool set_scenario_data(std::uint32_t row, xmc_value_c& value, bool force);
+    // By the dotted path as the host's own item has it (from the root for a host that is not
+    // indexed).
+    virtual bool set_host_data(const char* full_name, std::uint64_t host, xmc_value_c& value);
+    virtual bool set_host_data(std::uint32_t row, std::uint64_t host, xmc_value_c& value);
+    // Every host the row applies to: all hosts for a row below `CommonHostProps`, the replicas
+    // for the others. True at once when it applies to the replicas and there are none.
+    virtual bool set_host_data(std::uint32_t row, xmc_value_c& value);
+    virtual xmc_value_c& get_group_data(std::uint32_t row, xmc_value_c& value);
+    virtual bool set_group_data(std::uint32_t row, xmc_value_c& value, bool force);
+    // A row of group_scenario_data_table for the member scenario `scenario_id`.
+    virtual xmc_value_c& get_scenario_in_group(std::uint32_t scenario_id, std::uint32_t row,
+                                               xmc_value_c& value);
+    virtual bool set_scenario_in_group(std::uint32_t scenario_id, std::uint32_t row,
+                                       xmc_value_c& value, bool no_type_check);
+    // A row of group_host_data_table for the Master (`is_master`) or the replica of a member.
+    virtual xmc_value_c& get_host_in_group(std::uint32_t scenario_id, std::uint32_t row,
+                                           bool is_master, xmc_value_c& value);
+
+    // The forms without a lock, for code that holds the right one already (validation).
+    xmc_value_c& _get_scenario_data(std::uint32_t row, xmc_value_c& value) const;
+    xmc_value_c& _get_host_data(std::uint32_t row, std::uint64_t host, xmc_value_c& value) const;
+    // The host row below `host_item`, the host's `ReplNode` (the root for the Manager); the
+    // error names the host `host` when the row's item is not there. The value is reset first.
+    xmc_value_c& _read_host_row(std::uint32_t row, std::uint64_t host, xml_item_c* host_item,
+                                xmc_value_c& value) const;
+    xmc_value_c& _get_group_data(std::uint32_t row, xmc_value_c& value) const;
+    xmc_value_c& _get_scenario_in_group(std::uint32_t scenario_id, std::uint32_t row,
+                                        xmc_value_c& value) const;
+    xmc_value_c& _get_host_in_group(std::uint32_t scenario_id, std::uint32_t row, bool is_master,
+                                    xmc_value_c& value) const;
+    bool _set_scenario_data(std::uint32_t row, xmc_value_c& value);
+    // The host whose `ReplNode` is `host_item` (the tree's root for the Manager).
+    bool _set_host_data(std::uint32_t row, xml_item_c* host_item, xmc_value_c& value);
+    bool _set_group_data(std::uint32_t row, xmc_value_c& value);
+    bool _set_scenario_in_group(std::uint32_t scenario_id, std::uint32_t row, xmc_value_c& value,
+                                bool no_type_check);
+
+    // The first row of scenario_data_table (host_data_table) whose item, searched from the
+    // root (the host's item), has the dotted path `full_name`, compared without regard to
+    // case; not_found when none has. A row whose item is missing has the empty path. No lock.
+    std::uint32_t find_scenario_row(const char* full_name) const;
+    std::uint32_t find_host_row(const char* full_name, std::uint64_t host) const;
+    static constexpr std::uint32_t not_found = 0xFFFFFFFFu;
+
+    // The value of `attribute` of `item` into `value`, with the type's name; a MultiEntry
+    // item's entries as the value's list.
+    void fill_value(labeled_value_c* attribute, const xml_item_c* item, xmc_value_c& value) const;
+    // The value's text into `attribute` of `item` when it fits the item's type (always with
+    // `no_type_check`); a MultiEntry item takes the value's list as its new entries.
+    bool store_value(labeled_value_c* attribute, xml_item_c* item, xmc_value_c& value,
+                     bool no_type_check);
+    // The `val` texts of the item's children as the value's list.
+    void fill_string_array(const xml_item_c* item, xmc_value_c& value) const;
+    // The value's list as the new entries of the MultiEntry item, each checked against the
+    // element type the item's `val` names; on a refusal the old entries stay whole.
+    bool _recive_array_chars(xml_item_c* item, xmc_value_c& value, bool no_type_check);
+    // A new entry `data` with `label`, `val` the text and `type` the parent's `val`, appended
+    // as the parent's last child.
+    xml_item_c* add_entry_item(xml_item_c* parent, const char* text, const char* label);
+    // The entry of the group list `list` (a row of group_list_table) whose key equals `key`'s
+    // text, searched from `start` (the root when null); the list item itself for an empty key.
+    xml_item_c* _find_group_list_info(std::uint32_t list, xmc_value_c key, xml_item_c* start) const;
+
+    // Findings about a row: the scenario row's item (report_item); a host row by its
+    // `object.property` name; a host row by the labels from its item up to the host's
+    // `ReplNode`, or by name when the host has no such item.
+    void report_scenario_data(xmc_validity_c& validity, std::uint32_t row,
+                              std::uint32_t code) const;
+    void report_host_data_row(xmc_validity_c& validity, std::uint32_t row, std::uint32_t code,
+                              std::uint64_t host) const;
+    void report_host_data(xmc_validity_c& validity, std::uint32_t row, std::uint64_t host,
+                          std::uint32_t code) const;
+
+    // The words of the last setter on this thread that answered false, as it traced them;
+    // empty when it answered false without a line, or after one that succeeded.
+    static const char* last_set_failure();
+
     // ---- root directory rules (root_dir_rules.cpp) ------------------------------------------
-    // The root directories of all hosts: present on the Master and mirrored by each replica.
-    // The rules that read settings (network paths, nesting, overlap between hosts of one
-    // address) come with the data access. Every step runs; true when none found a fault.
+    // The root directories of all hosts: present on the Master and mirrored by each replica,
+    // no network paths where the engine can't follow them, no nesting within a host and no
+    // overlap between two hosts of one address. Every step runs; true when none found a fault.
     bool _check_array_root_dirs(xmc_validity_c& validity) const;
 
     std::uint32_t config_mode = scenario_conf_n::config_mode_regular;

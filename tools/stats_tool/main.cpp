@@ -2,10 +2,12 @@
 // does and asks its exports.
 //
 // Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
+#include "json_text.h"
 #include "message_command.h"
 #include "new_scenario_command.h"
 #include "reference_command.h"
 #include "set_state_command.h"
+#include "setting_command.h"
 #include "template_command.h"
 
 #include "files/file_manipulation.h"
@@ -51,6 +53,13 @@ const char* const usage_text =
     "            --sync-end --time T)\n"
     "                       the same under each root directory of host H of a stored scenario\n"
     "  load-steps           list the start-up steps this program ran for its own commands\n"
+    "  get FILE NAME [--host N|--manager] [--json]\n"
+    "                       print one setting of the stored scenario FILE: NAME is a row of\n"
+    "                       the scenario's (or, with --host or --manager, the hosts') table,\n"
+    "                       as Object.label or a label of one row, or a dotted path\n"
+    "  set FILE NAME=VALUE [--host N|--manager] [--force] [--json]\n"
+    "                       write one setting and store FILE again; --force resets a fixed\n"
+    "                       scenario setting; with --json a VALUE [\"a\", \"b\"] is a list\n"
     "  message ID... [--messages FILE]\n"
     "                       print the text of each message id from the message catalogue\n"
     "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
@@ -73,7 +82,9 @@ const char* const usage_text =
     "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
     "set-state: 0 written, 1 a write failed (2 also when the scenario file can't be loaded);\n"
     "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
-    "has none; template, new-scenario: 0 printed; 2 error\n";
+    "has none; template, new-scenario: 0 printed; get: 0 read, 1 no such setting or it can't\n"
+    "be read; set: 0 stored, 1 refused (the file stays as it was); 2 error (usage, a file that\n"
+    "can't be read or written)\n";
 
 #if defined(_WIN32)
 constexpr const char* library_file = "stats_mng.dll";
@@ -125,23 +136,6 @@ bool load(const std::string& requested, library_s& library, std::string& why) {
         bind(library.module, "set_trc_file_log_path", library.set_trc_file_log_path);
     if (!complete) why += "  an export is missing: " + os::last_library_error() + "\n";
     return complete;
-}
-
-std::string json_string(const std::string& text) {
-    std::string out = "\"";
-    for (unsigned char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out + "\"";
 }
 
 int run_state(const library_s& library, const std::string& directory, bool json) {
@@ -288,6 +282,7 @@ int main(int argc, char** argv) {
         if (ids.empty()) return usage_error("message needs at least one id");
         return run_message(ids, file);
     }
+    if (command == "get" || command == "set") return run_setting_command(rest);
     if (command == "hold-lock") {
         std::string directory, release_file;
         for (std::size_t i = 1; i < rest.size(); ++i) {
