@@ -30,31 +30,14 @@ xmc_item_c::xmc_item_c(const xmc_item_c& source, bool deep)
     : xml_item_c(source, false), kind(source.kind), value_type(source.value_type),
       enum_index(source.enum_index), canonical(source.canonical) {
     if (!deep) return;
-    // Pre-order over the source's subtree without recursion; `to_parent` is the copy of the
-    // parent of `from`. Below an external object, and below any plain item, copies are plain.
-    const xml_item_c* from = source.first_child_item();
-    xml_item_c* to_parent = this;
-    while (from) {
+    // Below an external object, and below any plain item, copies are plain.
+    copy_children_of(source, [](const xml_item_c& from, xml_item_c* to_parent) -> xml_item_c* {
         const xmc_item_c* parent_copy = as_xmc(to_parent);
-        const xmc_item_c* typed = as_xmc(from);
-        xml_item_c* copy;
+        const xmc_item_c* typed = as_xmc(&from);
         if (typed && parent_copy && parent_copy->kind != xmc_n::kind_external)
-            copy = new xmc_item_c(*typed, false);
-        else
-            copy = new xml_item_c(*from, false);
-        to_parent->append_child(copy);
-        if (from->first_child) {
-            from = from->first_child_item();
-            to_parent = copy;
-            continue;
-        }
-        while (from && from != &source && !from->next) {
-            from = from->parent_item();
-            to_parent = to_parent->parent_item();
-        }
-        if (!from || from == &source) break;
-        from = from->next_item();
-    }
+            return new xmc_item_c(*typed, false);
+        return new xml_item_c(from, false);
+    });
 }
 
 xmc_item_c::~xmc_item_c() = default;

@@ -47,23 +47,8 @@ xml_item_c::xml_item_c(const xml_item_c& source, bool deep) {
     for (std::uint64_t i = 0; i < source.attributes.get_count(); ++i)
         set_attribute(source.attributes.at(i));
     if (!deep) return;
-    const xml_item_c* from = source.first_child_item();
-    xml_item_c* to_parent = this;
-    while (from) {
-        auto* copy = new xml_item_c(*from, false);
-        to_parent->append_child(copy);
-        if (from->first_child) {
-            from = from->first_child_item();
-            to_parent = copy;
-            continue;
-        }
-        while (from && from != &source && !from->next) {
-            from = from->parent_item();
-            to_parent = to_parent->parent_item();
-        }
-        if (!from || from == &source) break;
-        from = from->next_item();
-    }
+    copy_children_of(
+        source, [](const xml_item_c& from, xml_item_c*) { return new xml_item_c(from, false); });
 }
 
 // The attributes go first, last to first; the subtree follows in generic_node_c's destructor.

@@ -64,6 +64,27 @@ class xml_item_c : public generic_node_c {
     static xml_item_c* create_child(const char* item_label, xml_item_c* parent_item);
     // Links `child`, which must be free, after the last child of this item.
     void append_child(xml_item_c* child);
+    // Copies the subtree below `source` under this item without recursion, in preorder; each
+    // copy is `make(item, copy_of_its_parent)`, a new item without children.
+    template <class Make> void copy_children_of(const xml_item_c& source, Make make) {
+        const xml_item_c* from = source.first_child_item();
+        xml_item_c* to_parent = this;
+        while (from) {
+            xml_item_c* copy = make(*from, to_parent);
+            to_parent->append_child(copy);
+            if (from->first_child) {
+                from = from->first_child_item();
+                to_parent = copy;
+                continue;
+            }
+            while (from && from != &source && !from->next) {
+                from = from->parent_item();
+                to_parent = to_parent->parent_item();
+            }
+            if (!from || from == &source) break;
+            from = from->next_item();
+        }
+    }
 
     xml_item_c* parent_item() const { return static_cast<xml_item_c*>(parent); }
     xml_item_c* first_child_item() const { return static_cast<xml_item_c*>(first_child); }
