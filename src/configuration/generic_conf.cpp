@@ -103,18 +103,6 @@ std::uint32_t row_among(std::span<const object_tag_s> rows, const char* name) {
     return count;
 }
 
-// The findings of a check, one line each and an empty line after each, as one trace line.
-void trace_findings(qvtr_entry_c& tr, int line, xmc_validity_c& validity) {
-    if (validity.findings.get_count() == 0) return;
-    utl_stream_c text;
-    for (ch_data_s* finding = validity.findings.first(); finding;
-         finding = validity.findings.next(finding)) {
-        print_record(*finding, text);
-        text.append("\n");
-    }
-    tr.print(QVTR_FAILURE, line, "%s\n", text.c_str() ? text.c_str() : "");
-}
-
 xmc_n::instance_s instance_of(std::uint32_t product, std::uint32_t application,
                               bool vetted_failback) {
     xmc_n::instance_s now;

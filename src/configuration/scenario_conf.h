@@ -18,6 +18,7 @@
 #include "utl/utl_stream.h"
 
 #include <cstdint>
+#include <vector>
 
 // The id of the external object that get_generic_object serves: the database object's.
 inline constexpr std::uint32_t GENERIC_OBJECT_ID = 6799;
@@ -199,6 +200,39 @@ class scenario_conf_c : public xmc_conf_c {
     // no network paths where the engine can't follow them, no nesting within a host and no
     // overlap between two hosts of one address. Every step runs; true when none found a fault.
     bool _check_array_root_dirs(xmc_validity_c& validity) const;
+
+    // ---- validation (scenario_validation.cpp, feature_rules.cpp) -----------------------------
+    // Whether the tree is well formed, item by item: every object and data item has the shape
+    // the grammar asks and every external object exists and is consistent. Findings go to the
+    // trace only.
+    bool check_consistency();
+    // Whether the scenario can run: every rule runs and appends its findings to `validity`, which
+    // keeps what the caller put in it. True when no rule failed.
+    bool check_xmc_validity(xmc_validity_c& validity);
+    // The enumerated fields that are still not set: one finding each.
+    bool _check_enum_fields(xmc_validity_c& validity) const;
+    // The walk over `item` and all below it that the item's own settings let the walk reach:
+    // shape, type, limits and presence of every value, and the external objects' own checks.
+    bool _check_general_validity(xmc_validity_c& validity, xml_item_c* item);
+    // At most one host suspends or runs the vetted failback, at most one takes shadow copies
+    // (when the scenario integrates them), one CDP host only in a CDP scenario, one failover
+    // host.
+    bool _check_uniqueue_fields(xmc_validity_c& validity) const;
+    // No host with compression off below a host with compression on.
+    bool _check_compress_attributes(xmc_validity_c& validity) const;
+    // Whether the condition `check_if` (`object.property`, compared with the item's `is_equal`)
+    // holds, read on the scenario or the host that holds the item; true when it cannot be read.
+    bool _check_if_condition(const xml_item_c* item, const char* check_if) const;
+    // Whether the item's `val`, as a signed number, lies within its `minimum` and `maximum`.
+    static bool _check_value_range(const xml_item_c* item);
+    // Appends every host, from the Master on in pre-order, whose setting of host row `row` has
+    // the text `text` (any text when null).
+    void collect_hosts_with_value(std::uint32_t row, const char* text,
+                                  std::vector<std::uint64_t>& list) const;
+    // The rules that only have meaning for some products, applications and modes.
+    bool _check_specific_features(xmc_validity_c& validity);
+    // The virtual network mappings of the scenario (host 0) or of a replica's switchover.
+    bool _check_networkmapping(xmc_validity_c& validity, std::uint64_t host) const;
 
     std::uint32_t config_mode = scenario_conf_n::config_mode_regular;
     std::uint32_t product = scenario_conf_n::product_not_set;

@@ -718,4 +718,5 @@ void scenario_conf_c::report_host_data(xmc_validity_c& validity, std::uint32_t r
         if (at == host_item) break;
     }
     add_record(validity, name.c_str(), code, host, ch_data_s::no_item);
+    validity.findings.last()->tree_item = out;
 }

@@ -39,6 +39,7 @@ class position_builder_c : public xml_builder_i {
         } else if (parent == root) {
             child_ends.push_back(_reader.get_position());
         }
+        if (every_end) every_end->push_back(_reader.get_position());
         return element;
     }
     void add_attribute(void* element, std::string_view name, std::string_view value) override {
@@ -52,6 +53,8 @@ class position_builder_c : public xml_builder_i {
     // Just past the start tag of the root, and of each of its children in order.
     std::uint64_t root_end = 0;
     std::vector<std::uint64_t> child_ends;
+    // When set: just past the start tag of every element, in document order.
+    std::vector<std::uint64_t>* every_end = nullptr;
 
   private:
     xml_builder_i& _inner;
@@ -105,10 +108,39 @@ class failure_c {
     const char* _name;
 };
 
+// The item after `item` in document order, into every item's children.
+xml_item_c* next_in_document(xml_item_c* item) {
+    if (item->first_child) return item->first_child_item();
+    while (item && !item->next) item = item->parent_item();
+    return item ? item->next_item() : nullptr;
+}
+
+// The items of the tree in document order, each with the line on which its start tag ends.
+// The tree holds one item per element, made in the order the elements open; a tree that does
+// not match the positions keeps no lines at all.
+void keep_lines(std::string_view text, xml_item_c* root, const std::vector<std::uint64_t>& ends,
+                scenario_item_lines_c& lines) {
+    lines.clear();
+    std::uint64_t count = 0;
+    for (xml_item_c* item = root; item; item = next_in_document(item)) ++count;
+    if (count != ends.size()) return;
+    std::uint64_t line = 1;
+    std::uint64_t scanned = 0;
+    std::size_t at = 0;
+    for (xml_item_c* item = root; item; item = next_in_document(item), ++at) {
+        // The reader stands just past the tag: the tag's last byte is the one before.
+        std::uint64_t last = ends[at] ? ends[at] - 1 : 0;
+        for (; scanned < last && scanned < text.size(); ++scanned)
+            if (text[scanned] == '\n') ++line;
+        lines.set(item, line);
+    }
+}
+
 } // namespace
 
 scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, const char* text,
-                                                    std::uint64_t length, const char* name) {
+                                                    std::uint64_t length, const char* name,
+                                                    scenario_item_lines_c* lines) {
     QVTR_SCOPE(tr, "scenario_loader_n::load_text", source);
     failure_c fail(tr, name);
     std::string_view view(text ? text : "", text ? length : 0);
@@ -124,6 +156,8 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
         xml_stream_reader_c reader(view.data(), view.size());
         reader.set_document(&doc);
         position_builder_c builder(doc.node_builder(), reader);
+        std::vector<std::uint64_t> every_end;
+        if (lines) builder.every_end = &every_end;
         if (!reader.read_declaration())
             return fail(scenario_load_status_t::not_xml, line_before(view, reader.get_position()),
                         "no XML declaration at the start");
@@ -134,6 +168,7 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
             return fail(scenario_load_status_t::not_xml, line_before(view, view.size()),
                         "no element");
         loaded->from_document(&doc);
+        if (lines) keep_lines(view, loaded->get_root(), every_end, *lines);
         root_end = builder.root_end;
         child_ends.swap(builder.child_ends);
     }
@@ -188,7 +223,8 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
     return result;
 }
 
-scenario_load_result_s scenario_loader_n::load_file(scenario_conf_c& scenario, const char* path) {
+scenario_load_result_s scenario_loader_n::load_file(scenario_conf_c& scenario, const char* path,
+                                                    scenario_item_lines_c* lines) {
     QVTR_SCOPE(tr, "scenario_loader_n::load_file", source);
     failure_c fail(tr, path);
     if (!path || !*path) return fail(scenario_load_status_t::unreadable, 0, "no file is named");
@@ -209,5 +245,5 @@ scenario_load_result_s scenario_loader_n::load_file(scenario_conf_c& scenario, c
         text.append(chunk.get(), static_cast<std::size_t>(got));
     }
     file.close();
-    return load_text(scenario, text.data(), text.size(), path);
+    return load_text(scenario, text.data(), text.size(), path, lines);
 }

@@ -10,8 +10,26 @@
 #include "utl/utl_stream.h"
 
 #include <cstdint>
+#include <unordered_map>
 
 class scenario_conf_c;
+class xml_item_c;
+
+// Where each item of a loaded scenario stands in its file: the line, from 1, on which the item's
+// start tag ends. Filled by a load that is given one, for tools that point into the file.
+class scenario_item_lines_c {
+  public:
+    // 0 for an item the load did not make.
+    std::uint64_t line_of(const xml_item_c* item) const {
+        auto found = _lines.find(item);
+        return found == _lines.end() ? 0 : found->second;
+    }
+    void clear() { _lines.clear(); }
+    void set(const xml_item_c* item, std::uint64_t line) { _lines[item] = line; }
+
+  private:
+    std::unordered_map<const xml_item_c*, std::uint64_t> _lines;
+};
 
 // How a load ended.
 enum class scenario_load_status_t : std::uint32_t {
@@ -46,9 +64,11 @@ inline constexpr const char* scenario_label = "Scenario";
 // `scenario`. On success the scenario is cleared first and then holds the new tree, fields
 // and host index; external objects made from an earlier tree stay, as clear leaves them, so a
 // scenario is best loaded once, before it is shared (the load takes no lock).
-scenario_load_result_s load_file(scenario_conf_c& scenario, const char* path);
+// With `lines`, the line of every item is kept there as well.
+scenario_load_result_s load_file(scenario_conf_c& scenario, const char* path,
+                                 scenario_item_lines_c* lines = nullptr);
 // The same from the first `length` bytes of `text`; `name` stands for the file in messages.
 scenario_load_result_s load_text(scenario_conf_c& scenario, const char* text, std::uint64_t length,
-                                 const char* name);
+                                 const char* name, scenario_item_lines_c* lines = nullptr);
 
 } // namespace scenario_loader_n

@@ -2,6 +2,7 @@
 
 #include "configuration/xmc_grammar.h"
 #include "configuration/xmc_item.h"
+#include "support/trc.h"
 #include "utl/message.h"
 
 #include <cstring>
@@ -25,6 +26,7 @@ void append_number(utl_stream_c& stream, std::uint64_t number) {
 
 constexpr const char* host_object_label = "ReplNode";
 constexpr const char* root_directory_label = "RootDir";
+constexpr const char* host_props_label = "CommonHostProps";
 constexpr const char* host_index_label = "Index";
 
 bool labelled(const xml_item_c* item, const char* label) {
@@ -84,13 +86,20 @@ void report_item(xmc_validity_c& validity, const xml_item_c* tree_item, std::uin
     tree_item->get_path(path);
     std::uint64_t host = 0;
     if (host_object) {
-        if (labeled_value_c* index = data_below(host_object, host_index_label))
-            host = index->to_uint64();
+        // A stored host keeps its number in its `CommonHostProps`.
+        labeled_value_c* index = data_below(host_object, host_index_label);
+        for (const xml_item_c* child = host_object->first_child_item(); child && !index;
+             child = child->next_item())
+            if (is_object(child) && labelled(child, host_props_label))
+                index = data_below(child, host_index_label);
+        if (index) host = index->to_uint64();
     }
     std::uint64_t item =
         root_directory ? position_among_siblings(root_directory) : ch_data_s::no_item;
     add_record(validity, path.c_str(), code, host, item);
-    if (extra && *extra) validity.findings.last()->peer_name.append(extra);
+    ch_data_s* finding = validity.findings.last();
+    finding->tree_item = tree_item;
+    if (extra && *extra) finding->peer_name.append(extra);
 }
 
 utl_stream_c& message_id_of(std::uint32_t code, utl_stream_c& id) {
@@ -142,4 +151,15 @@ void print_record(const ch_data_s& finding, utl_stream_c& stream) {
         stream.append(message_c(message_id_of(finding.code, id).c_str()).text.c_str());
     }
     stream.append("\n");
+}
+
+void trace_findings(qvtr_entry_c& tr, int line, xmc_validity_c& validity) {
+    if (validity.findings.get_count() == 0) return;
+    utl_stream_c text;
+    for (ch_data_s* finding = validity.findings.first(); finding;
+         finding = validity.findings.next(finding)) {
+        print_record(*finding, text);
+        text.append("\n");
+    }
+    tr.print(QVTR_FAILURE, line, "%s\n", text.c_str() ? text.c_str() : "");
 }

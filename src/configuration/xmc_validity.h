@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+class qvtr_entry_c;
+
 struct ch_data_s {
     static constexpr std::uint64_t no_item = ~std::uint64_t{0};
     static constexpr std::uint32_t code_of_own_text = 36;
@@ -21,6 +23,9 @@ struct ch_data_s {
     utl_stream_c name;      // what is concerned: a dotted name or a label
     utl_stream_c peer_name; // a second name or extra text, may be empty
     utl_stream_c text;      // free text, with code 36 only
+    // The item of the scenario's tree the finding is about, where the rule had one; it lives
+    // as long as that tree. Tools use it to point into the file the tree was read from.
+    const xml_item_c* tree_item = nullptr;
 };
 
 class xmc_validity_c {
@@ -50,3 +55,7 @@ void print_record(const ch_data_s& finding, utl_stream_c& stream);
 
 // The message id of a code: "CV0" and the code plus 1348.
 utl_stream_c& message_id_of(std::uint32_t code, utl_stream_c& id);
+
+// The findings, each printed and followed by an empty line, as one trace line of the failure
+// level; nothing when there are none.
+void trace_findings(qvtr_entry_c& tr, int line, xmc_validity_c& validity);

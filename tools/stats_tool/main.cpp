@@ -9,6 +9,7 @@
 #include "set_state_command.h"
 #include "setting_command.h"
 #include "template_command.h"
+#include "validate_command.h"
 
 #include "files/file_manipulation.h"
 #include "platform/os.h"
@@ -71,6 +72,9 @@ const char* const usage_text =
     "                       print a stored scenario: the template's default Scenario for\n"
     "                       product P and application A (items of the enumerations Product\n"
     "                       and Application), ready to be stored, edited and validated\n"
+    "  validate FILE [--json] [--messages FILE]\n"
+    "                       check the stored scenario FILE and print every finding; --json\n"
+    "                       prints them as a JSON array\n"
     "  --help               show this text\n"
     "\n"
     "options:\n"
@@ -283,6 +287,8 @@ int main(int argc, char** argv) {
         return run_message(ids, file);
     }
     if (command == "get" || command == "set") return run_setting_command(rest);
+    if (command == "validate")
+        return run_validate(std::vector<std::string>(rest.begin() + 1, rest.end()));
     if (command == "hold-lock") {
         std::string directory, release_file;
         for (std::size_t i = 1; i < rest.size(); ++i) {
