@@ -50,10 +50,8 @@ std::uint64_t host_index_tree_c::get_host_count() const {
 host_index_node_s* host_index_tree_c::find_host_node(std::uint64_t index) const {
     if (index == MASTER_INDEX) return _root;
     if (!_root) return nullptr;
-    for (host_index_node_s* node = next_in_tree(_root, _root); node;
-         node = next_in_tree(node, _root))
-        if (node->host_index == index) return node;
-    return nullptr;
+    auto found = _replicas.find(index);
+    return found == _replicas.end() ? nullptr : found->second;
 }
 
 std::uint64_t host_index_tree_c::next_host(std::uint64_t index) const {
@@ -91,6 +89,7 @@ bool host_index_tree_c::add_host(xml_item_c* item, array_ct<root_dir_c>* dirs, s
         if (!parent) return false;
         node = new host_index_node_s(index);
         attach(node, parent, true);
+        _replicas.emplace(index, node);
         if (last_index < index) last_index = index;
     }
     delete_root_dirs(node->root_dirs);
@@ -103,6 +102,7 @@ void host_index_tree_c::clear_hosts() {
     if (!_root) return;
     // Each replica goes with its subtree, which the node's own destructor takes down by loops.
     while (host_index_node_s* replica = _root->first_child_node()) remove(replica);
+    _replicas.clear();
     _root->reset();
     last_index = MASTER_INDEX;
 }

@@ -9,6 +9,7 @@
 #include "utl/tree.h"
 
 #include <cstdint>
+#include <unordered_map>
 
 class xml_item_c;
 
@@ -68,4 +69,9 @@ class host_index_tree_c : public generic_tree_ct<host_index_node_s> {
 
     // The highest number entered, 1 while only the Master is known.
     std::uint64_t last_index = MASTER_INDEX;
+
+  private:
+    // The replicas by number, so that a walk over the hosts by number is linear. Hosts come in
+    // only through add_host and leave only through clear_hosts, which keep it.
+    std::unordered_map<std::uint64_t, host_index_node_s*> _replicas;
 };
