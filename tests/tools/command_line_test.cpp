@@ -17,13 +17,18 @@ const std::vector<std::string> command_names = {
     "state",    "hold-lock",    "record-sync", "set-state", "load-steps", "message",
     "template", "new-scenario", "get",         "set",       "help"};
 
-// The exit statuses a command's usage lists, as "N  meaning" lines.
+// The exit statuses a command's usage lists, as "N  meaning" lines (a meaning wrapped over
+// several lines joined again).
 std::vector<std::string> exit_status_lines(const std::string& usage) {
     std::vector<std::string> lines;
     std::size_t at = usage.find("\nexit status:\n");
     if (at == std::string::npos) return lines;
-    for (const std::string& line : test_support::lines_of(usage.substr(at + 14)))
-        if (line.rfind("  ", 0) == 0) lines.push_back(line.substr(2));
+    for (const std::string& line : test_support::lines_of(usage.substr(at + 14))) {
+        if (line.rfind("     ", 0) == 0 && !lines.empty())
+            lines.back() += " " + line.substr(line.find_first_not_of(' '));
+        else if (line.rfind("  ", 0) == 0)
+            lines.push_back(line.substr(2));
+    }
     return lines;
 }
 
@@ -45,6 +50,8 @@ TEST_F(stats_tool, help_lists_every_command_with_its_summary_the_options_and_the
     for (const char* part : {"--library PATH", "--trace DIR", "--help, -h", "exit status: 0",
                              "'stats_tool help COMMAND'"})
         EXPECT_NE(result.out.find(part), std::string::npos) << part << "\n" << result.out;
+    for (const std::string& line : test_support::lines_of(result.out))
+        EXPECT_TRUE(line.size() <= 79 || line.rfind("usage: ", 0) == 0) << line;
     for (const char* line : {"--help", "-h"}) {
         apart_result_s same = run_apart({line});
         EXPECT_EQ(same.status, 0) << line;
@@ -62,6 +69,11 @@ TEST_F(stats_tool, help_of_each_command_is_its_usage_with_its_exit_statuses) {
         EXPECT_TRUE(synopsis.find(" " + name + " ") != std::string::npos ||
                     synopsis.find(" " + name + "\n") != std::string::npos)
             << synopsis;
+        // Wrapped to a terminal's width, but for the synopsis.
+        for (const std::string& line : test_support::lines_of(help.out))
+            EXPECT_TRUE(line.size() <= 79 || line.rfind("usage: ", 0) == 0 ||
+                        line.rfind("       ", 0) == 0)
+                << name << ": " << line;
         std::vector<std::string> statuses = exit_status_lines(help.out);
         ASSERT_GE(statuses.size(), 2u) << name << "\n" << help.out;
         EXPECT_EQ(statuses.front().rfind("0  ", 0), 0u) << name << "\n" << help.out;

@@ -33,7 +33,9 @@ struct command_s {
     // One line for the overview.
     const char* summary;
     // The full usage: the synopsis lines ("usage: stats_tool ..."), a blank line, what the
-    // command does and its options; each line ends with a line feed.
+    // command does and its options. Each paragraph is one line ending with a line feed, and an
+    // option is a line "  --name ARG  what it does"; the help wraps them to the width of a
+    // terminal, an option's words under its description.
     const char* usage;
     std::vector<exit_status_s> exit_statuses;
     int (*run)(const invocation_s& call);

@@ -16,36 +16,79 @@ const char* const overview_head =
 const char* const overview_tail =
     "\n"
     "options (before or after the command):\n"
-    "  --library PATH  the library that 'state' loads (default: stats_mng.dll /\n"
-    "                  libstats_mng.so beside this program, then ../lib, then the system's\n"
-    "                  search)\n"
+    "  --library PATH  the library that 'state' loads (default: stats_mng.dll / "
+    "libstats_mng.so beside this program, then ../lib, then the system's search)\n"
     "  --trace DIR     'state' sends the library's trace to DIR/stats_mng.dll.log\n"
     "  --help, -h      this overview; after a command, that command's usage\n"
     "\n"
-    "exit status: 0 yes or done, 1 no or not done (each command's usage says what they mean\n"
-    "for it), 2 an error: a usage error (told in one line on standard error), a path that does\n"
+    "exit status: 0 yes or done, 1 no or not done (each command's usage says what they mean "
+    "for it), 2 an error: a usage error (told in one line on standard error), a path that does "
     "not exist, a file or library that can't be read.\n"
     "\n"
-    "'stats_tool help COMMAND' or 'stats_tool COMMAND --help' shows a command's usage and its\n"
+    "'stats_tool help COMMAND' or 'stats_tool COMMAND --help' shows a command's usage and its "
     "exit statuses.\n";
+
+// The width the help is wrapped to.
+constexpr std::size_t line_width = 79;
+
+// Where the words of a wrapped line go on: under the text after the first gap of two blanks
+// of an indented line ("  --json    one object ..."), else under the line's first word.
+std::size_t hanging_indent(const std::string& line) {
+    std::size_t indent = line.find_first_not_of(' ');
+    if (indent == std::string::npos) return 0;
+    if (indent == 0) return 0;
+    std::size_t gap = line.find("  ", indent);
+    if (gap == std::string::npos) return indent;
+    std::size_t text = line.find_first_not_of(' ', gap);
+    return text == std::string::npos || text >= line_width / 2 ? indent : text;
+}
+
+// Prints `text` with each line longer than the width broken at blanks; a synopsis line
+// ("usage: ...") stays whole.
+void print_wrapped(const std::string& text) {
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        std::string line = text.substr(start, end - start);
+        start = end + 1;
+        bool synopsis = line.rfind("usage: ", 0) == 0 || line.rfind("       ", 0) == 0;
+        if (synopsis || line.size() <= line_width) {
+            std::printf("%s\n", line.c_str());
+            continue;
+        }
+        std::string margin(hanging_indent(line), ' ');
+        while (line.size() > line_width) {
+            std::size_t cut = line.rfind(' ', line_width);
+            if (cut == std::string::npos || cut <= margin.size()) cut = line.find(' ', line_width);
+            if (cut == std::string::npos) break;
+            std::printf("%s\n", line.substr(0, cut).c_str());
+            std::size_t next = line.find_first_not_of(' ', cut);
+            line = margin + (next == std::string::npos ? std::string() : line.substr(next));
+        }
+        std::printf("%s\n", line.c_str());
+    }
+}
 
 } // namespace
 
 void print_overview() {
-    std::fputs(overview_head, stdout);
+    std::string text = overview_head;
     std::size_t width = 0;
     for (const command_s& command : command_table())
         width = std::max(width, std::strlen(command.name));
     for (const command_s& command : command_table())
-        std::printf("  %-*s  %s\n", static_cast<int>(width), command.name, command.summary);
-    std::fputs(overview_tail, stdout);
+        text += "  " + std::string(command.name) +
+                std::string(width - std::strlen(command.name) + 2, ' ') + command.summary + "\n";
+    print_wrapped(text + overview_tail);
 }
 
 void print_command_help(const command_s& command) {
-    std::fputs(command.usage, stdout);
-    std::fputs("\nexit status:\n", stdout);
+    std::string text = command.usage;
+    text += "\nexit status:\n";
     for (const exit_status_s& exit : command.exit_statuses)
-        std::printf("  %d  %s\n", exit.status, exit.meaning);
+        text += "  " + std::to_string(exit.status) + "  " + exit.meaning + "\n";
+    print_wrapped(text);
 }
 
 namespace {

@@ -29,19 +29,19 @@ const std::vector<command_s> commands = {
      "ask the library's three queries about a scenario directory",
      "usage: stats_tool [--library PATH] [--trace DIR] state DIR [--json]\n"
      "\n"
-     "Loads the library as an engine process does (--library PATH, or stats_mng.dll /\n"
-     "libstats_mng.so beside this program, then ../lib, then the system's search), asks\n"
-     "whether the engine works on the scenario DIR now, whether its last synchronisation\n"
-     "finished and what state it was left in, and prints the answers. --trace DIR sends the\n"
-     "library's trace to DIR/stats_mng.dll.log.\n"
+     "Loads the library as an engine process does (--library PATH, or stats_mng.dll / "
+     "libstats_mng.so beside this program, then ../lib, then the system's search), asks whether "
+     "the engine works on the scenario DIR now, whether its last synchronisation finished and what "
+     "state it was left in, and prints the answers. --trace DIR sends the library's trace to "
+     "DIR/stats_mng.dll.log.\n"
      "\n"
-     "A DIR that does not exist is asked about all the same: the library's answers for a\n"
-     "missing path (no, no, Unknown (3), each query with its trace line \"Fail to find the\n"
-     "path\") are what an engine would get. A line on standard error says that DIR does not\n"
-     "exist, and the exit status is 1, as for any scenario whose state can't be read.\n"
+     "A DIR that does not exist is asked about all the same: the library's answers for a missing "
+     "path (no, no, Unknown (3), each query with its trace line \"Fail to find the path\") are "
+     "what an engine would get. A line on standard error says that DIR does not exist, and the "
+     "exit status is 1, as for any scenario whose state can't be read.\n"
      "\n"
-     "  --json    one JSON object: scenario, engine_active, sync_replicated, state_read,\n"
-     "            state_index, state\n",
+     "  --json    one JSON object: scenario, engine_active, sync_replicated, state_read, "
+     "state_index, state\n",
      {{0, "a state was read"},
       {1, "no state could be read (also when DIR does not exist)"},
       {2, "a usage error, or a library that cannot be loaded"}},
@@ -50,10 +50,10 @@ const std::vector<command_s> commands = {
      "take the engine's lock on a scenario and hold it",
      "usage: stats_tool hold-lock DIR [--release-file FILE]\n"
      "\n"
-     "Takes the engine's lock on the scenario DIR exactly as the engine does (the writer open\n"
-     "of .mr_qv_prefix/state.lock, sharing reads only), prints \"holding the engine's lock on\n"
-     "DIR\" and holds it until standard input ends or a line \"stop\" comes. While it holds,\n"
-     "'stats_tool state DIR' in another process says \"engine active: yes\".\n"
+     "Takes the engine's lock on the scenario DIR exactly as the engine does (the writer open of "
+     ".mr_qv_prefix/state.lock, sharing reads only), prints \"holding the engine's lock on DIR\" "
+     "and holds it until standard input ends or a line \"stop\" comes. While it holds, 'stats_tool "
+     "state DIR' in another process says \"engine active: yes\".\n"
      "\n"
      "  --release-file FILE  hold until FILE exists instead\n",
      {{0, "the lock was held, then released"},
@@ -64,9 +64,9 @@ const std::vector<command_s> commands = {
      "write a host's synchronisation result in the per-host record",
      "usage: stats_tool record-sync DIR --scenario-id N --host H --done|--not-done --time T\n"
      "\n"
-     "Writes the per-host record of synchronisation results, DIR/.mr_qv_prefix/<N>_stats.xml,\n"
-     "as the engine does: host H's element gets IsSyncReplicated (True with --done, False\n"
-     "with --not-done) and IsSyncReplicatedTime T; the other hosts' elements stay.\n"
+     "Writes the per-host record of synchronisation results, DIR/.mr_qv_prefix/<N>_stats.xml, as "
+     "the engine does: host H's element gets IsSyncReplicated (True with --done, False with "
+     "--not-done) and IsSyncReplicatedTime T; the other hosts' elements stay.\n"
      "\n"
      "  --scenario-id N  the scenario's id, 0 to 4294967295\n"
      "  --host H         the host's index, 0 to 4294967295\n"
@@ -79,11 +79,11 @@ const std::vector<command_s> commands = {
      "       stats_tool set-state --scenario FILE --host H EVENT\n"
      "EVENT: --run | --stop | --sync-begin --time T | --sync-end --time T\n"
      "\n"
-     "Writes a scenario's state file as the engine does when the scenario starts (--run) or\n"
-     "stops (--stop), or a synchronisation begins or ends at time T. With DIR it writes\n"
-     "DIR/.mr_qv_prefix/stats.xml; with --scenario FILE it loads the stored scenario and\n"
-     "writes under each root directory of host H. A start while the file says \"Sync\" leaves\n"
-     "it so: only the end of the synchronisation turns it into \"Running\".\n"
+     "Writes a scenario's state file as the engine does when the scenario starts (--run) or stops "
+     "(--stop), or a synchronisation begins or ends at time T. With DIR it writes "
+     "DIR/.mr_qv_prefix/stats.xml; with --scenario FILE it loads the stored scenario and writes "
+     "under each root directory of host H. A start while the file says \"Sync\" leaves it so: only "
+     "the end of the synchronisation turns it into \"Running\".\n"
      "\n"
      "  --scenario-id N       the scenario's id, 0 to 4294967295 (with DIR)\n"
      "  --scenario-name NAME  the scenario's name (with DIR)\n"
@@ -97,19 +97,19 @@ const std::vector<command_s> commands = {
      "list the start-up steps this program ran",
      "usage: stats_tool load-steps\n"
      "\n"
-     "Lists the library's start-up steps, each \"ran\" or \"MISSING\" for this program's own\n"
-     "process (its commands other than state use the library's classes linked in, and start\n"
-     "them as the shared library starts itself).\n",
+     "Lists the library's start-up steps, each \"ran\" or \"MISSING\" for this program's own "
+     "process (its commands other than state use the library's classes linked in, and start them "
+     "as the shared library starts itself).\n",
      {{0, "every step ran"}, {1, "a step is missing"}, {2, "a usage error"}},
      run_load_steps_command},
     {"message",
      "print the text of message ids from the message catalogue",
      "usage: stats_tool message ID... [--messages FILE]\n"
      "\n"
-     "Prints \"ID<tab>text\" for each message id from the message catalogue: FILE, or else\n"
-     "../share/stats_mng/stats_mng.msg beside this program, or else the catalogue of the\n"
-     "source tree it was built from. Lines of the catalogue that break its format are\n"
-     "skipped and reported on standard error.\n"
+     "Prints \"ID<tab>text\" for each message id from the message catalogue: FILE, or else "
+     "../share/stats_mng/stats_mng.msg beside this program, or else the catalogue of the source "
+     "tree it was built from. Lines of the catalogue that break its format are skipped and "
+     "reported on standard error.\n"
      "\n"
      "  --messages FILE  the catalogue to read\n",
      {{0, "every id has a text of its own"},
@@ -120,11 +120,11 @@ const std::vector<command_s> commands = {
      "print the built-in template, or a reference of its settings",
      "usage: stats_tool template [--reference]\n"
      "\n"
-     "Prints the built-in template, the XMC document the library proves against its code\n"
-     "tables at load, byte for byte.\n"
+     "Prints the built-in template, the XMC document the library proves against its code tables at "
+     "load, byte for byte.\n"
      "\n"
-     "  --reference  print a Markdown reference of every setting of the template instead\n"
-     "               (the contents of docs/settings.md)\n",
+     "  --reference  print a Markdown reference of every setting of the template instead (the "
+     "contents of docs/settings.md)\n",
      {{0, "printed"},
       {2, "a usage error, or the reference's configurator was not built, or the output "
           "failed"}},
@@ -133,10 +133,10 @@ const std::vector<command_s> commands = {
      "print a new stored scenario for a product and an application",
      "usage: stats_tool new-scenario --product P --application A [--vetted-failback]\n"
      "\n"
-     "Prints a stored scenario made from the built-in template: its root object\n"
-     "ConfigDataHolder with the document's Version, holding the default Scenario for\n"
-     "product P and application A (items of the enumerations Product and Application,\n"
-     "compared exactly), ready to be stored, edited and validated.\n"
+     "Prints a stored scenario made from the built-in template: its root object ConfigDataHolder "
+     "with the document's Version, holding the default Scenario for product P and application A "
+     "(items of the enumerations Product and Application, compared exactly), ready to be stored, "
+     "edited and validated.\n"
      "\n"
      "  --product P         the product\n"
      "  --application A     the application\n"
@@ -149,11 +149,11 @@ const std::vector<command_s> commands = {
      "print one setting of a stored scenario",
      "usage: stats_tool get FILE NAME [--host N|--manager] [--json]\n"
      "\n"
-     "Prints one setting of the stored scenario FILE; a list's entries are joined by \", \".\n"
-     "NAME is a row of the scenario's table, or with --host or --manager of the hosts'\n"
-     "table, as Object.label (Switchover.status) or as a label only one row has\n"
-     "(ScenarioName), or the dotted path of the setting's item\n"
-     "(ConfigDataHolder.Scenario.ScenarioName), compared without regard to case.\n"
+     "Prints one setting of the stored scenario FILE; a list's entries are joined by \", \". NAME "
+     "is a row of the scenario's table, or with --host or --manager of the hosts' table, as "
+     "Object.label (Switchover.status) or as a label only one row has (ScenarioName), or the "
+     "dotted path of the setting's item (ConfigDataHolder.Scenario.ScenarioName), compared without "
+     "regard to case.\n"
      "\n"
      "  --host N   a setting of host N\n"
      "  --manager  a setting of the Manager\n"
@@ -167,15 +167,15 @@ const std::vector<command_s> commands = {
      "change one setting of a stored scenario",
      "usage: stats_tool set FILE NAME=VALUE [--host N|--manager] [--force] [--json]\n"
      "\n"
-     "Writes one setting through the scenario's setters, with their type check, and stores\n"
-     "FILE again in the writer's form. NAME is as for get. A refused value leaves the file\n"
-     "as it was and prints the setter's words.\n"
+     "Writes one setting through the scenario's setters, with their type check, and stores FILE "
+     "again in the writer's form. NAME is as for get. A refused value leaves the file as it was "
+     "and prints the setter's words.\n"
      "\n"
      "  --host N   a setting of host N\n"
      "  --manager  a setting of the Manager\n"
      "  --force    reset a fixed scenario setting (ScenarioID, Version, ...)\n"
-     "  --json     a VALUE that starts with [ is a JSON array of strings, the entries of a\n"
-     "             list; the answer is one JSON object\n",
+     "  --json     a VALUE that starts with [ is a JSON array of strings, the entries of a list; "
+     "the answer is one JSON object\n",
      {{0, "stored"},
       {1, "refused (the file stays as it was)"},
       {2, "a usage error, or FILE does not exist, can't be loaded or can't be written"}},
