@@ -354,14 +354,16 @@ std::string last_library_error();
 
 // ---- child processes, for the tool and the tests
 // Runs argv[0] with the arguments, standard output and error into output_path (UTF-8 path),
-// standard input from the null device; waits for it. Returns its exit code, or -1.
-int run_process(const std::vector<std::string>& argv, const std::string& output_path);
+// standard input from the null device; waits for it. Returns its exit code, or -1. With an
+// error_path, standard error goes there instead, apart from the output.
+int run_process(const std::vector<std::string>& argv, const std::string& output_path,
+                const std::string& error_path = {});
 
 // A child process that runs beside the caller.
 struct child_process_s;
 // Starts argv[0] as run_process does, without waiting; null when it can't start.
-child_process_s* start_process(const std::vector<std::string>& argv,
-                               const std::string& output_path);
+child_process_s* start_process(const std::vector<std::string>& argv, const std::string& output_path,
+                               const std::string& error_path = {});
 // Waits up to `milliseconds` for the child to end: its exit code, or -1 while it still runs.
 int wait_process(child_process_s* child, int milliseconds);
 // Ends the child at once, as a crash would (SIGKILL, TerminateProcess), and waits for it.

@@ -1,371 +1,253 @@
 // stats_tool: the command line of the library. It loads the library the way an engine process
-// does and asks its exports.
+// does and asks its exports, writes state as the engine does, and prints, makes and edits
+// scenario configurations.
 //
-// Exit status: 0 yes / success, 1 a negative answer, 2 an error (usage, library not loadable).
-#include "json_text.h"
+// This file reads the global options and dispatches through the command table; each command
+// lives in its own <name>_command.cpp. A new command is one row of the table below.
+#include "command.h"
+#include "help_command.h"
+#include "hold_lock_command.h"
+#include "load_steps_command.h"
 #include "message_command.h"
 #include "new_scenario_command.h"
-#include "reference_command.h"
+#include "record_sync_command.h"
 #include "set_state_command.h"
 #include "setting_command.h"
+#include "state_command.h"
 #include "template_command.h"
 #include "validate_command.h"
 
-#include "files/file_manipulation.h"
-#include "platform/os.h"
 #include "stats_mng/load_order.h"
-#include "stats_mng/stats_saver.h"
-#include "stats_mng/stats_saver_ex.h"
-#include "support/thl.h"
 
-#include <cerrno>
-#include <climits>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr int exit_yes = 0;
-constexpr int exit_no = 1;
-constexpr int exit_error = 2;
-
-const char* const usage_text =
-    "usage: stats_tool [--library PATH] [--trace DIR] <command> ...\n"
-    "\n"
-    "commands:\n"
-    "  state DIR [--json]   ask the three scenario queries about the scenario directory DIR\n"
-    "  hold-lock DIR [--release-file FILE]\n"
-    "                       take the engine's lock on the scenario DIR as the engine does and\n"
-    "                       hold it until standard input closes (or a line \"stop\" comes), or\n"
-    "                       until FILE exists\n"
-    "  record-sync DIR --scenario-id N --host H --done|--not-done --time T\n"
-    "                       record in DIR's state directory, in the per-host file\n"
-    "                       <N>_stats.xml, whether host H's last synchronisation finished,\n"
-    "                       and its time T, as the engine does\n"
-    "  set-state DIR --scenario-id N --host H [--scenario-name NAME]\n"
-    "            (--run | --stop | --sync-begin --time T | --sync-end --time T)\n"
-    "                       write DIR's state file as the engine does when the scenario starts\n"
-    "                       or stops, or a synchronisation begins or ends\n"
-    "  set-state --scenario FILE --host H (--run | --stop | --sync-begin --time T |\n"
-    "            --sync-end --time T)\n"
-    "                       the same under each root directory of host H of a stored scenario\n"
-    "  load-steps           list the start-up steps this program ran for its own commands\n"
-    "  get FILE NAME [--host N|--manager] [--json]\n"
-    "                       print one setting of the stored scenario FILE: NAME is a row of\n"
-    "                       the scenario's (or, with --host or --manager, the hosts') table,\n"
-    "                       as Object.label or a label of one row, or a dotted path\n"
-    "  set FILE NAME=VALUE [--host N|--manager] [--force] [--json]\n"
-    "                       write one setting and store FILE again; --force resets a fixed\n"
-    "                       scenario setting; with --json a VALUE [\"a\", \"b\"] is a list\n"
-    "  message ID... [--messages FILE]\n"
-    "                       print the text of each message id from the message catalogue\n"
-    "                       (default: ../share/stats_mng/stats_mng.msg beside this program,\n"
-    "                       then the catalogue of the source tree it was built from)\n"
-    "  template [--reference]\n"
-    "                       print the built-in template, the XMC document the library loads;\n"
-    "                       with --reference, a Markdown reference of its settings\n"
-    "  new-scenario --product P --application A [--vetted-failback]\n"
-    "                       print a stored scenario: the template's default Scenario for\n"
-    "                       product P and application A (items of the enumerations Product\n"
-    "                       and Application), ready to be stored, edited and validated\n"
-    "  validate FILE [--json] [--messages FILE]\n"
-    "                       check the stored scenario FILE and print every finding; --json\n"
-    "                       prints them as a JSON array\n"
-    "  --help               show this text\n"
-    "\n"
-    "options:\n"
-    "  --library PATH       the library to load (default: stats_mng.dll / libstats_mng.so\n"
-    "                       beside this program, then ../lib, then the system's search)\n"
-    "  --trace DIR          write the library's trace to DIR/stats_mng.dll.log\n"
-    "\n"
-    "exit status: state: 0 a state was read, 1 no state could be read; hold-lock: 0 held and\n"
-    "released, 1 the lock is held by another; record-sync: 0 written, 1 not written;\n"
-    "set-state: 0 written, 1 a write failed (2 also when the scenario file can't be loaded);\n"
-    "load-steps: 0 every step ran, 1 a step is missing; message: 0 every id has a text, 1 one\n"
-    "has none; template, new-scenario: 0 printed; get: 0 read, 1 no such setting or it can't\n"
-    "be read; set: 0 stored, 1 refused (the file stays as it was); 2 error (usage, a file that\n"
-    "can't be read or written)\n";
-
-#if defined(_WIN32)
-constexpr const char* library_file = "stats_mng.dll";
-#else
-constexpr const char* library_file = "libstats_mng.so";
-#endif
-
-using bool_query_t = bool (*)(const char*);
-using state_query_t = bool (*)(const char*, unsigned int*);
-using trace_setter_t = bool (*)(const char*, const char*);
-
-struct library_s {
-    os::HMODULE module = nullptr;
-    bool_query_t is_engine_active_for_scenario = nullptr;
-    bool_query_t is_sync_replicated = nullptr;
-    state_query_t get_scenario_state_index = nullptr;
-    trace_setter_t set_trc_file_log_path = nullptr;
+// The commands in the order the overview lists them: name, summary, usage, exit statuses, run.
+const std::vector<command_s> commands = {
+    {"state",
+     "ask the library's three queries about a scenario directory",
+     "usage: stats_tool [--library PATH] [--trace DIR] state DIR [--json]\n"
+     "\n"
+     "Loads the library as an engine process does (--library PATH, or stats_mng.dll / "
+     "libstats_mng.so beside this program, then ../lib, then the system's search), asks whether "
+     "the engine works on the scenario DIR now, whether its last synchronisation finished and what "
+     "state it was left in, and prints the answers. --trace DIR sends the library's trace to "
+     "DIR/stats_mng.dll.log.\n"
+     "\n"
+     "A DIR that does not exist is asked about all the same: the library's answers for a missing "
+     "path (no, no, Unknown (3), each query with its trace line \"Fail to find the path\") are "
+     "what an engine would get. A line on standard error says that DIR does not exist, and the "
+     "exit status is 1, as for any scenario whose state can't be read.\n"
+     "\n"
+     "  --json    one JSON object: scenario, engine_active, sync_replicated, state_read, "
+     "state_index, state\n",
+     {{0, "a state was read"},
+      {1, "no state could be read (also when DIR does not exist)"},
+      {2, "a usage error, or a library that cannot be loaded"}},
+     run_state_command},
+    {"hold-lock",
+     "take the engine's lock on a scenario and hold it",
+     "usage: stats_tool hold-lock DIR [--release-file FILE]\n"
+     "\n"
+     "Takes the engine's lock on the scenario DIR exactly as the engine does (the writer open of "
+     ".mr_qv_prefix/state.lock, sharing reads only), prints \"holding the engine's lock on DIR\" "
+     "and holds it until standard input ends or a line \"stop\" comes. While it holds, 'stats_tool "
+     "state DIR' in another process says \"engine active: yes\".\n"
+     "\n"
+     "  --release-file FILE  hold until FILE exists instead\n",
+     {{0, "the lock was held, then released"},
+      {1, "another process holds the lock"},
+      {2, "a usage error, or DIR does not exist"}},
+     run_hold_lock_command},
+    {"record-sync",
+     "write a host's synchronisation result in the per-host record",
+     "usage: stats_tool record-sync DIR --scenario-id N --host H --done|--not-done --time T\n"
+     "\n"
+     "Writes the per-host record of synchronisation results, DIR/.mr_qv_prefix/<N>_stats.xml, as "
+     "the engine does: host H's element gets IsSyncReplicated (True with --done, False with "
+     "--not-done) and IsSyncReplicatedTime T; the other hosts' elements stay.\n"
+     "\n"
+     "  --scenario-id N  the scenario's id, 0 to 4294967295\n"
+     "  --host H         the host's index, 0 to 4294967295\n"
+     "  --time T         the time of the synchronisation, a signed 64-bit number\n",
+     {{0, "written"}, {1, "not written"}, {2, "a usage error, or DIR does not exist"}},
+     run_record_sync_command},
+    {"set-state",
+     "write a scenario's state file as the engine does",
+     "usage: stats_tool set-state DIR --scenario-id N --host H [--scenario-name NAME] EVENT\n"
+     "       stats_tool set-state --scenario FILE --host H EVENT\n"
+     "EVENT: --run | --stop | --sync-begin --time T | --sync-end --time T\n"
+     "\n"
+     "Writes a scenario's state file as the engine does when the scenario starts (--run) or stops "
+     "(--stop), or a synchronisation begins or ends at time T. With DIR it writes "
+     "DIR/.mr_qv_prefix/stats.xml; with --scenario FILE it loads the stored scenario and writes "
+     "under each root directory of host H. A start while the file says \"Sync\" leaves it so: only "
+     "the end of the synchronisation turns it into \"Running\".\n"
+     "\n"
+     "  --scenario-id N       the scenario's id, 0 to 4294967295 (with DIR)\n"
+     "  --scenario-name NAME  the scenario's name (with DIR)\n"
+     "  --host H              the host's index, 0 to 4294967295\n"
+     "  --time T              the synchronisation's time, a signed 64-bit number\n",
+     {{0, "written"},
+      {1, "a write failed"},
+      {2, "a usage error, DIR or FILE does not exist, or FILE can't be loaded"}},
+     run_set_state_command},
+    {"load-steps",
+     "list the start-up steps this program ran",
+     "usage: stats_tool load-steps\n"
+     "\n"
+     "Lists the library's start-up steps, each \"ran\" or \"MISSING\" for this program's own "
+     "process (its commands other than state use the library's classes linked in, and start them "
+     "as the shared library starts itself).\n",
+     {{0, "every step ran"}, {1, "a step is missing"}, {2, "a usage error"}},
+     run_load_steps_command},
+    {"message",
+     "print the text of message ids from the message catalogue",
+     "usage: stats_tool message ID... [--messages FILE]\n"
+     "\n"
+     "Prints \"ID<tab>text\" for each message id from the message catalogue: FILE, or else "
+     "../share/stats_mng/stats_mng.msg beside this program, or else the catalogue of the source "
+     "tree it was built from. Lines of the catalogue that break its format are skipped and "
+     "reported on standard error.\n"
+     "\n"
+     "  --messages FILE  the catalogue to read\n",
+     {{0, "every id has a text of its own"},
+      {1, "an id has none (it gets the fallback text of EG00347)"},
+      {2, "a usage error, FILE does not exist, or no catalogue could be read"}},
+     run_message_command},
+    {"template",
+     "print the built-in template, or a reference of its settings",
+     "usage: stats_tool template [--reference]\n"
+     "\n"
+     "Prints the built-in template, the XMC document the library proves against its code tables at "
+     "load, byte for byte.\n"
+     "\n"
+     "  --reference  print a Markdown reference of every setting of the template instead (the "
+     "contents of docs/settings.md)\n",
+     {{0, "printed"},
+      {2, "a usage error, or the reference's configurator was not built, or the output "
+          "failed"}},
+     run_template_command},
+    {"new-scenario",
+     "print a new stored scenario for a product and an application",
+     "usage: stats_tool new-scenario --product P --application A [--vetted-failback]\n"
+     "\n"
+     "Prints a stored scenario made from the built-in template: its root object ConfigDataHolder "
+     "with the document's Version, holding the default Scenario for product P and application A "
+     "(items of the enumerations Product and Application, compared exactly), ready to be stored, "
+     "edited and validated.\n"
+     "\n"
+     "  --product P         the product\n"
+     "  --application A     the application\n"
+     "  --vetted-failback   the scenario with VettedFailback set\n",
+     {{0, "printed"},
+      {2, "a usage error or an unknown name (one line on standard error), or the "
+          "configurator was not built"}},
+     run_new_scenario_command},
+    {"get",
+     "print one setting of a stored scenario",
+     "usage: stats_tool get FILE NAME [--host N|--manager] [--json]\n"
+     "\n"
+     "Prints one setting of the stored scenario FILE; a list's entries are joined by \", \". NAME "
+     "is a row of the scenario's table, or with --host or --manager of the hosts' table, as "
+     "Object.label (Switchover.status) or as a label only one row has (ScenarioName), or the "
+     "dotted path of the setting's item (ConfigDataHolder.Scenario.ScenarioName), compared without "
+     "regard to case.\n"
+     "\n"
+     "  --host N   a setting of host N\n"
+     "  --manager  a setting of the Manager\n"
+     "  --json     one object with the row, the type and the value (a list as an array)\n",
+     {{0, "read"},
+      {1, "no such setting, or it can't be read"},
+      {2, "a usage error (a label several rows share is one), or FILE does not exist or "
+          "can't be loaded"}},
+     run_get_command},
+    {"set",
+     "change one setting of a stored scenario",
+     "usage: stats_tool set FILE NAME=VALUE [--host N|--manager] [--force] [--json]\n"
+     "\n"
+     "Writes one setting through the scenario's setters, with their type check, and stores FILE "
+     "again in the writer's form. NAME is as for get. A refused value leaves the file as it was "
+     "and prints the setter's words.\n"
+     "\n"
+     "  --host N   a setting of host N\n"
+     "  --manager  a setting of the Manager\n"
+     "  --force    reset a fixed scenario setting (ScenarioID, Version, ...)\n"
+     "  --json     a VALUE that starts with [ is a JSON array of strings, the entries of a list; "
+     "the answer is one JSON object\n",
+     {{0, "stored"},
+      {1, "refused (the file stays as it was)"},
+      {2, "a usage error, or FILE does not exist, can't be loaded or can't be written"}},
+     run_set_command},
+    {"validate",
+     "check a stored scenario and list every finding",
+     "usage: stats_tool validate FILE [--json] [--messages FILE]\n"
+     "\n"
+     "Loads the stored scenario FILE, checks that its tree is well formed and that it can run "
+     "(every rule runs, whatever the one before it found), and prints each finding on one line: "
+     "who (Scenario, Master or Replica #N), the root directory if any, the name, and the text of "
+     "the finding from the message catalogue (found as for message). A last line says whether "
+     "FILE is valid. Faults of the tree's shape are told in the library's trace (--trace DIR).\n"
+     "\n"
+     "  --json           a JSON array of the findings instead, each an object with host, item "
+     "(-1 where no root directory is concerned), code, message_id, name, peer_name, text and "
+     "line (the line of the finding's item in FILE, or null)\n"
+     "  --messages FILE  the message catalogue to read\n",
+     {{0, "the scenario is valid"},
+      {1, "the scenario is invalid (findings, or a tree that is not well formed)"},
+      {2, "a usage error, FILE does not exist or can't be read as a stored scenario, or the "
+          "catalogue given can't be read"}},
+     run_validate_command},
+    {"help",
+     "show this overview, or one command's usage",
+     "usage: stats_tool help [COMMAND]\n"
+     "       stats_tool COMMAND --help\n"
+     "\n"
+     "Prints the overview of the commands, or COMMAND's usage and exit statuses.\n",
+     {{0, "printed"}, {2, "a usage error (a command that does not exist)"}},
+     run_help_command},
 };
 
-std::string directory_of(const std::string& path) {
-    std::size_t cut = path.find_last_of("/\\");
-    return cut == std::string::npos ? std::string(".") : path.substr(0, cut);
-}
-
-template <typename Function> bool bind(os::HMODULE module, const char* name, Function& target) {
-    target = reinterpret_cast<Function>(os::find_symbol(module, name));
-    return target != nullptr;
-}
-
-bool load(const std::string& requested, library_s& library, std::string& why) {
-    std::vector<std::string> candidates;
-    if (!requested.empty()) {
-        candidates.push_back(requested);
-    } else {
-        std::string here = directory_of(os::executable_path());
-        candidates = {here + "/" + library_file, here + "/../lib/" + library_file, library_file};
-    }
-    for (const std::string& candidate : candidates) {
-        library.module = os::load_library(candidate.c_str());
-        if (library.module) break;
-        why += "  " + candidate + ": " + os::last_library_error() + "\n";
-    }
-    if (!library.module) return false;
-    bool complete =
-        bind(library.module, "is_engine_active_for_scenario",
-             library.is_engine_active_for_scenario) &&
-        bind(library.module, "is_sync_replicated", library.is_sync_replicated) &&
-        bind(library.module, "get_scenario_state_index", library.get_scenario_state_index) &&
-        bind(library.module, "set_trc_file_log_path", library.set_trc_file_log_path);
-    if (!complete) why += "  an export is missing: " + os::last_library_error() + "\n";
-    return complete;
-}
-
-int run_state(const library_s& library, const std::string& directory, bool json) {
-    bool active = library.is_engine_active_for_scenario(directory.c_str());
-    bool replicated = library.is_sync_replicated(directory.c_str());
-    unsigned int index = 3;
-    bool read = library.get_scenario_state_index(directory.c_str(), &index);
-    const char* word = index < std::size(stats_saver_ex_c::state_names)
-                           ? stats_saver_ex_c::state_names[index]
-                           : "?";
-    if (json) {
-        std::printf("{\"scenario\": %s, \"engine_active\": %s, \"sync_replicated\": %s, "
-                    "\"state_read\": %s, \"state_index\": %u, \"state\": %s}\n",
-                    json_string(directory).c_str(), active ? "true" : "false",
-                    replicated ? "true" : "false", read ? "true" : "false", index,
-                    json_string(word).c_str());
-    } else {
-        std::printf("scenario:        %s\n", directory.c_str());
-        std::printf("engine active:   %s\n", active ? "yes" : "no");
-        std::printf("sync replicated: %s\n", replicated ? "yes" : "no");
-        std::printf("state:           %s (%u)%s\n", word, index,
-                    read ? "" : ", no state file read");
-    }
-    return read ? exit_yes : exit_no;
-}
-
-// Takes the writer lock as the engine does and keeps it until told to let go.
-int run_hold_lock(const std::string& directory, const std::string& release_file) {
-    stats_saver_lock_c locker(directory.c_str());
-    locker.init();
-    if (!locker.lock(true)) {
-        std::printf("cannot take the engine's lock on %s: another process holds it\n",
-                    directory.c_str());
-        return exit_no;
-    }
-    std::printf("holding the engine's lock on %s\n", directory.c_str());
-    std::fflush(stdout);
-    if (!release_file.empty()) {
-        while (!file_manipulation_n::if_exists(release_file.c_str(), nullptr)) mix_n::sleep(10);
-    } else {
-        char line[64];
-        while (std::fgets(line, sizeof line, stdin) && std::strncmp(line, "stop", 4) != 0) {
-        }
-    }
-    return exit_yes;
-}
-
-// A whole decimal number in `text`, within [low, high].
-bool parse_number(const std::string& text, long long low, long long high, long long& out) {
-    if (text.empty()) return false;
-    char* end = nullptr;
-    errno = 0;
-    long long value = std::strtoll(text.c_str(), &end, 10);
-    if (errno || *end || value < low || value > high) return false;
-    out = value;
-    return true;
-}
-
-int run_record_sync(const std::string& directory, std::uint32_t scenario_id, std::uint32_t host,
-                    bool done, std::int64_t time) {
-    stats_saver_c saver;
-    saver.scenario_id = scenario_id;
-    saver.root_path.append(directory.c_str());
-    saver.state_dir_name.append(StateDirName);
-    if (!saver.set_sync_state(host, done, time)) {
-        std::fprintf(stderr, "stats_tool: could not write the per-host record under %s\n",
-                     directory.c_str());
-        return exit_no;
-    }
-    utl_stream_c path;
-    std::printf("recorded host %u %s at %lld in %s\n", host, done ? "done" : "not done",
-                static_cast<long long>(time), saver._get_file_path(path));
-    return exit_yes;
-}
-
-// The start-up steps this process ran, in the order they ran; the state command asks the loaded
-// shared library instead, which starts itself.
-int run_load_steps() {
-    std::vector<int> journal = load_order_n::journal();
-    std::size_t ran = 0;
-    for (const load_order_n::step_s& step : load_order_n::steps()) {
-        bool found = ran < journal.size() && journal[ran] == step.order;
-        if (found) ++ran;
-        std::printf("%3d %s %s\n", step.order, found ? "ran    " : "MISSING", step.what);
-    }
-    return ran == load_order_n::steps().size() ? exit_yes : exit_no;
-}
-
-int usage_error(const char* message) {
-    std::fprintf(stderr, "stats_tool: %s\n\n%s", message, usage_text);
-    return exit_error;
-}
+bool is_help_option(const std::string& arg) { return arg == "--help" || arg == "-h"; }
 
 } // namespace
+
+std::span<const command_s> command_table() { return commands; }
 
 int main(int argc, char** argv) {
     // The tool's own commands use the library's classes, linked in: start them as the shared
     // library starts itself when it is loaded.
     load_order_n::library_scope_c library_core;
+    invocation_s call;
     std::vector<std::string> args(argv + 1, argv + argc);
-    std::string library_path, trace_directory;
     std::vector<std::string> rest;
+    // The global options may stand anywhere; what remains is the command and its arguments.
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--help" || args[i] == "-h") {
-            std::fputs(usage_text, stdout);
-            return exit_yes;
-        }
-        if ((args[i] == "--library" || args[i] == "--trace") && i + 1 < args.size()) {
-            (args[i] == "--library" ? library_path : trace_directory) = args[i + 1];
+        if (args[i] == "--library" || args[i] == "--trace") {
+            if (i + 1 >= args.size()) return usage_error(call, "missing value after " + args[i]);
+            (args[i] == "--library" ? call.library_path : call.trace_directory) = args[i + 1];
             ++i;
-        } else if (args[i] == "--library" || args[i] == "--trace") {
-            return usage_error(("missing value after " + args[i]).c_str());
         } else {
             rest.push_back(args[i]);
         }
     }
-    if (rest.empty()) return usage_error("no command given");
-
-    const std::string& command = rest[0];
-    if (command == "load-steps") {
-        if (rest.size() > 1) return usage_error(("unexpected argument '" + rest[1] + "'").c_str());
-        return run_load_steps();
+    if (rest.empty()) return usage_error(call, "no command given");
+    // "--help" alone, or before a command, is "help".
+    call.command = is_help_option(rest[0]) ? std::string("help") : rest[0];
+    call.args.assign(rest.begin() + 1, rest.end());
+    const command_s* command = find_command(call.command);
+    if (!command) {
+        std::string what = is_option(rest[0]) ? "unknown option '" : "unknown command '";
+        call.command.clear();
+        return usage_error(call, what + rest[0] + "'");
     }
-    if (command == "template") {
-        bool reference = rest.size() > 1 && rest[1] == "--reference";
-        std::size_t extra = reference ? 2 : 1;
-        if (rest.size() > extra)
-            return usage_error(("unexpected argument '" + rest[extra] + "'").c_str());
-        return reference ? run_settings_reference() : run_template();
-    }
-    if (command == "new-scenario")
-        return run_new_scenario(std::vector<std::string>(rest.begin() + 1, rest.end()));
-    if (command == "message") {
-        std::vector<std::string> ids;
-        std::string file;
-        for (std::size_t i = 1; i < rest.size(); ++i) {
-            if (rest[i] == "--messages" && i + 1 < rest.size())
-                file = rest[++i];
-            else if (rest[i].rfind("--", 0) != 0)
-                ids.push_back(rest[i]);
-            else
-                return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
+    for (const std::string& arg : call.args) {
+        if (is_help_option(arg)) {
+            print_command_help(*command);
+            return exit_yes;
         }
-        if (ids.empty()) return usage_error("message needs at least one id");
-        return run_message(ids, file);
     }
-    if (command == "get" || command == "set") return run_setting_command(rest);
-    if (command == "validate")
-        return run_validate(std::vector<std::string>(rest.begin() + 1, rest.end()));
-    if (command == "hold-lock") {
-        std::string directory, release_file;
-        for (std::size_t i = 1; i < rest.size(); ++i) {
-            if (rest[i] == "--release-file" && i + 1 < rest.size())
-                release_file = rest[++i];
-            else if (directory.empty())
-                directory = rest[i];
-            else
-                return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
-        }
-        if (directory.empty()) return usage_error("hold-lock needs a scenario directory");
-        return run_hold_lock(directory, release_file);
-    }
-    if (command == "record-sync") {
-        std::string directory;
-        long long scenario_id = -1, host = -1, time = 0;
-        int done = -1;
-        bool have_time = false;
-        for (std::size_t i = 1; i < rest.size(); ++i) {
-            const std::string& a = rest[i];
-            bool has_value = i + 1 < rest.size();
-            if (a == "--done" || a == "--not-done") {
-                done = a == "--done";
-            } else if (a == "--scenario-id" && has_value) {
-                if (!parse_number(rest[++i], 0, 0xFFFFFFFFll, scenario_id))
-                    return usage_error("--scenario-id needs a number from 0 to 4294967295");
-            } else if (a == "--host" && has_value) {
-                if (!parse_number(rest[++i], 0, 0xFFFFFFFFll, host))
-                    return usage_error("--host needs a number from 0 to 4294967295");
-            } else if (a == "--time" && has_value) {
-                if (!parse_number(rest[++i], LLONG_MIN, LLONG_MAX, time))
-                    return usage_error("--time needs a signed 64-bit number");
-                have_time = true;
-            } else if (directory.empty() && a.rfind("--", 0) != 0) {
-                directory = a;
-            } else {
-                return usage_error(("unexpected argument '" + a + "'").c_str());
-            }
-        }
-        if (directory.empty()) return usage_error("record-sync needs a scenario directory");
-        if (scenario_id < 0 || host < 0 || done < 0 || !have_time)
-            return usage_error("record-sync needs --scenario-id, --host, --done or --not-done "
-                               "and --time");
-        return run_record_sync(directory, static_cast<std::uint32_t>(scenario_id),
-                               static_cast<std::uint32_t>(host), done == 1, time);
-    }
-    if (command == "set-state") {
-        set_state_request_s request;
-        std::string wrong =
-            parse_set_state(std::vector<std::string>(rest.begin() + 1, rest.end()), request);
-        if (!wrong.empty()) return usage_error(wrong.c_str());
-        return run_set_state(request);
-    }
-    if (command != "state") return usage_error(("unknown command '" + command + "'").c_str());
-    bool json = false;
-    std::string directory;
-    for (std::size_t i = 1; i < rest.size(); ++i) {
-        if (rest[i] == "--json")
-            json = true;
-        else if (directory.empty())
-            directory = rest[i];
-        else
-            return usage_error(("unexpected argument '" + rest[i] + "'").c_str());
-    }
-    if (directory.empty()) return usage_error("state needs a scenario directory");
-
-    library_s library;
-    std::string why;
-    if (!load(library_path, library, why)) {
-        std::fprintf(stderr, "stats_tool: cannot load the library:\n%s", why.c_str());
-        return exit_error;
-    }
-    if (!trace_directory.empty()) {
-        std::string settings = trace_directory + "/stats_mng.trc";
-        library.set_trc_file_log_path(settings.c_str(), trace_directory.c_str());
-    }
-    int status = run_state(library, directory, json);
-    os::free_library(library.module);
-    return status;
+    return command->run(call);
 }

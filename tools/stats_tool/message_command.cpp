@@ -7,15 +7,6 @@
 
 #include <cstdio>
 
-namespace {
-
-std::string directory_of(const std::string& path) {
-    std::size_t cut = path.find_last_of("/\\");
-    return cut == std::string::npos ? std::string(".") : path.substr(0, cut);
-}
-
-} // namespace
-
 std::string find_message_file(const std::string& given) {
     if (!given.empty()) return given;
     std::vector<std::string> candidates = {
@@ -34,7 +25,7 @@ int run_message(const std::vector<std::string>& ids, const std::string& given_fi
     if (!report.read) {
         std::fprintf(stderr, "stats_tool: no message catalogue could be read%s%s\n",
                      file.empty() ? "" : " at ", file.c_str());
-        return 2;
+        return exit_error;
     }
     for (const auto& skipped : report.skipped)
         std::fprintf(stderr, "stats_tool: %s line %llu skipped: %s\n", file.c_str(),
@@ -47,5 +38,24 @@ int run_message(const std::vector<std::string>& ids, const std::string& given_fi
         all_found = all_found && own;
         std::printf("%s\t%s\n", message.id.c_str(), message.text.c_str());
     }
-    return all_found ? 0 : 1;
+    return all_found ? exit_yes : exit_no;
+}
+
+int run_message_command(const invocation_s& call) {
+    std::vector<std::string> ids;
+    std::string file;
+    const std::vector<std::string>& args = call.args;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--messages") {
+            if (i + 1 >= args.size()) return usage_error(call, "missing value after " + args[i]);
+            file = args[++i];
+        } else if (is_option(args[i])) {
+            return usage_error(call, "unknown option '" + args[i] + "'");
+        } else {
+            ids.push_back(args[i]);
+        }
+    }
+    if (ids.empty()) return usage_error(call, "missing ID");
+    if (!file.empty() && !path_exists(file)) return does_not_exist(call, file);
+    return run_message(ids, file);
 }

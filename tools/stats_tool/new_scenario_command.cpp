@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int exit_done = 0;
-constexpr int exit_error = 2;
 constexpr std::uint32_t scenario_row = 0; // `Scenario` in object_tag_table
 
 int fail(const std::string& message) {
@@ -36,26 +34,30 @@ std::string items_of(std::uint32_t enum_index) {
 
 } // namespace
 
-int run_new_scenario(const std::vector<std::string>& args) {
+int run_new_scenario_command(const invocation_s& call) {
     std::string product_name, application_name;
     bool vetted_failback = false, have_product = false, have_application = false;
+    const std::vector<std::string>& args = call.args;
     for (std::size_t i = 0; i < args.size(); ++i) {
-        bool has_value = i + 1 < args.size();
-        if (args[i] == "--product" && has_value) {
+        bool takes_value = args[i] == "--product" || args[i] == "--application";
+        if (takes_value && i + 1 >= args.size())
+            return usage_error(call, "missing value after " + args[i]);
+        if (args[i] == "--product") {
             product_name = args[++i];
             have_product = true;
-        } else if (args[i] == "--application" && has_value) {
+        } else if (args[i] == "--application") {
             application_name = args[++i];
             have_application = true;
         } else if (args[i] == "--vetted-failback") {
             vetted_failback = true;
+        } else if (is_option(args[i])) {
+            return usage_error(call, "unknown option '" + args[i] + "'");
         } else {
-            return fail("new-scenario: unexpected argument '" + args[i] +
-                        "'; usage: new-scenario --product P --application A [--vetted-failback]");
+            return usage_error(call, "unexpected argument '" + args[i] + "'");
         }
     }
-    if (!have_product || !have_application)
-        return fail("new-scenario needs --product P and --application A");
+    if (!have_product) return usage_error(call, "missing --product");
+    if (!have_application) return usage_error(call, "missing --application");
     std::uint32_t product = xmc_enum_c::find_item(xmc_enums_n::enum_product, product_name.c_str());
     if (product == xmc_enum_c::not_found)
         return fail("unknown product '" + product_name + "'; the products are " +
@@ -95,5 +97,5 @@ int run_new_scenario(const std::vector<std::string>& args) {
     std::size_t length = std::strlen(bytes);
     if (std::fwrite(bytes, 1, length, stdout) != length || std::fflush(stdout) != 0)
         return fail("the scenario could not be written");
-    return exit_done;
+    return exit_yes;
 }

@@ -5,22 +5,10 @@
 #include "stats_mng/stats_saver.h"
 #include "stats_mng/stats_saver_ex.h"
 
-#include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-bool parse_number(const std::string& text, long long low, long long high, long long& out) {
-    if (text.empty()) return false;
-    errno = 0;
-    char* end = nullptr;
-    long long value = std::strtoll(text.c_str(), &end, 10);
-    if (errno || *end || value < low || value > high) return false;
-    out = value;
-    return true;
-}
 
 const char* event_word(state_event_t event) {
     switch (event) {
@@ -44,44 +32,50 @@ std::string parse_set_state(const std::vector<std::string>& args, set_state_requ
     bool have_time = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
-        bool has_value = i + 1 < args.size();
+        bool takes_value = a == "--scenario-id" || a == "--host" || a == "--time" ||
+                           a == "--scenario" || a == "--scenario-name";
+        if (takes_value && i + 1 >= args.size()) return "missing value after " + a;
         if (a == "--run" || a == "--stop" || a == "--sync-begin" || a == "--sync-end") {
             ++events;
             request.event = a == "--run"          ? state_event_t::run
                             : a == "--stop"       ? state_event_t::stop
                             : a == "--sync-begin" ? state_event_t::sync_begin
                                                   : state_event_t::sync_end;
-        } else if (a == "--scenario-id" && has_value) {
+        } else if (a == "--scenario-id") {
             if (!parse_number(args[++i], 0, 0xFFFFFFFFll, scenario_id))
                 return "--scenario-id needs a number from 0 to 4294967295";
-        } else if (a == "--host" && has_value) {
+        } else if (a == "--host") {
             if (!parse_number(args[++i], 0, 0xFFFFFFFFll, host))
                 return "--host needs a number from 0 to 4294967295";
-        } else if (a == "--time" && has_value) {
+        } else if (a == "--time") {
             if (!parse_number(args[++i], LLONG_MIN, LLONG_MAX, time))
                 return "--time needs a signed 64-bit number";
             have_time = true;
-        } else if (a == "--scenario" && has_value) {
+        } else if (a == "--scenario") {
             request.scenario_file = args[++i];
-        } else if (a == "--scenario-name" && has_value) {
+        } else if (a == "--scenario-name") {
             request.scenario_name = args[++i];
-        } else if (request.directory.empty() && a.rfind("--", 0) != 0) {
+        } else if (is_option(a)) {
+            return "unknown option '" + a + "'";
+        } else if (request.directory.empty()) {
             request.directory = a;
         } else {
             return "unexpected argument '" + a + "'";
         }
     }
-    if (request.directory.empty() == request.scenario_file.empty())
-        return "set-state needs a scenario directory or --scenario FILE, not both";
-    if (events != 1) return "set-state needs one of --run, --stop, --sync-begin, --sync-end";
+    if (request.directory.empty() && request.scenario_file.empty())
+        return "missing DIR or --scenario FILE";
+    if (!request.directory.empty() && !request.scenario_file.empty())
+        return "DIR and --scenario FILE exclude each other";
+    if (events == 0) return "missing one of --run, --stop, --sync-begin, --sync-end";
+    if (events > 1) return "more than one of --run, --stop, --sync-begin, --sync-end";
     if (is_sync(request.event) != have_time)
         return is_sync(request.event) ? "--sync-begin and --sync-end need --time"
                                       : "--time goes with --sync-begin or --sync-end";
-    if (host < 0) return "set-state needs --host";
-    if (request.scenario_file.empty() && scenario_id < 0)
-        return "set-state DIR needs --scenario-id";
+    if (host < 0) return "missing --host";
+    if (request.scenario_file.empty() && scenario_id < 0) return "missing --scenario-id";
     if (!request.scenario_file.empty() && (scenario_id >= 0 || !request.scenario_name.empty()))
-        return "the stored scenario gives its own id and name";
+        return "--scenario-id and --scenario-name go with DIR: the stored scenario gives its own";
     request.host = static_cast<std::uint32_t>(host);
     request.scenario_id = static_cast<std::uint32_t>(scenario_id < 0 ? 0 : scenario_id);
     request.time = time;
@@ -130,4 +124,15 @@ int run_set_state(const set_state_request_s& request) {
                 saver._get_file_path(path) ? path.c_str() : request.directory.c_str(),
                 written ? "written" : "not written");
     return written ? 0 : 1;
+}
+
+int run_set_state_command(const invocation_s& call) {
+    set_state_request_s request;
+    std::string wrong = parse_set_state(call.args, request);
+    if (!wrong.empty()) return usage_error(call, wrong);
+    // The writes would make the whole path; the engine writes under a scenario that exists.
+    const std::string& path =
+        request.scenario_file.empty() ? request.directory : request.scenario_file;
+    if (!path_exists(path)) return does_not_exist(call, path);
+    return run_set_state(request);
 }

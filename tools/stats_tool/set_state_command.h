@@ -1,6 +1,8 @@
 // The set-state command of stats_tool: the engine's writes of a scenario's state file.
 #pragma once
 
+#include "command.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,7 +22,7 @@ struct set_state_request_s {
 };
 
 // Parses the command's arguments (those after "set-state"); an empty result on success, else
-// what is wrong in one line.
+// what is wrong, in words for a usage error.
 std::string parse_set_state(const std::vector<std::string>& args, set_state_request_s& request);
 
 // Writes as the engine does: under one directory, a start or stop by _set_state and a
@@ -28,3 +30,9 @@ std::string parse_set_state(const std::vector<std::string>& args, set_state_requ
 // set_state or set_sync_state under each root directory of the host. 0 written, 1 a write
 // failed, 2 the scenario file could not be loaded.
 int run_set_state(const set_state_request_s& request);
+
+// `set-state DIR --scenario-id N --host H [--scenario-name NAME] EVENT` or
+// `set-state --scenario FILE --host H EVENT`: parses, checks that DIR or FILE exists and
+// writes. 0 written, 1 a write failed, 2 a usage error, a DIR or FILE that does not exist or a
+// scenario file that can't be loaded.
+int run_set_state_command(const invocation_s& call);

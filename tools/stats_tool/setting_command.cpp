@@ -17,18 +17,8 @@ using namespace xmc_enums_n;
 
 namespace {
 
-constexpr int exit_done = 0;
-constexpr int exit_refused = 1;
-constexpr int exit_error = 2;
-
-const char* const command_usage =
-    "usage: stats_tool get FILE NAME [--host N|--manager] [--json]\n"
-    "       stats_tool set FILE NAME=VALUE [--host N|--manager] [--force] [--json]\n";
-
-int usage_error(const std::string& message) {
-    std::fprintf(stderr, "stats_tool: %s\n%s", message.c_str(), command_usage);
-    return exit_error;
-}
+constexpr int exit_done = exit_yes;
+constexpr int exit_refused = exit_no;
 
 // Where a setting lives: the scenario's own level, a host, or the Manager.
 struct target_s {
@@ -157,7 +147,7 @@ struct options_s {
 std::string parse(const std::vector<std::string>& args, bool is_set, options_s& options) {
     std::vector<std::string> positional;
     bool host_given = false, manager_given = false;
-    for (std::size_t i = 1; i < args.size(); ++i) {
+    for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
         if (a == "--json") {
             options.json = true;
@@ -166,7 +156,7 @@ std::string parse(const std::vector<std::string>& args, bool is_set, options_s& 
         } else if (a == "--force" && is_set) {
             options.force = true;
         } else if (a == "--host") {
-            if (i + 1 >= args.size()) return "--host needs a host index";
+            if (i + 1 >= args.size()) return "missing value after --host";
             const std::string& number = args[++i];
             char* end = nullptr;
             errno = 0;
@@ -175,20 +165,21 @@ std::string parse(const std::vector<std::string>& args, bool is_set, options_s& 
                 return "--host needs a number from 0 to 4294967295";
             options.target.host = index;
             host_given = true;
-        } else if (a.rfind("--", 0) == 0) {
-            return "unexpected option '" + a + "'";
+        } else if (is_option(a)) {
+            return "unknown option '" + a + "'";
         } else {
             positional.push_back(a);
         }
     }
     if (host_given && manager_given) return "--host and --manager exclude each other";
-    if (positional.size() != 2)
-        return std::string(is_set ? "set needs FILE and NAME=VALUE" : "get needs FILE and NAME");
+    if (positional.empty()) return "missing FILE";
+    if (positional.size() == 1) return is_set ? "missing NAME=VALUE" : "missing NAME";
+    if (positional.size() > 2) return "unexpected argument '" + positional[2] + "'";
     options.file = positional[0];
     options.name = positional[1];
     if (is_set) {
         std::size_t equals = options.name.find('=');
-        if (equals == std::string::npos) return "set needs NAME=VALUE";
+        if (equals == std::string::npos) return "missing =VALUE after " + options.name;
         options.value = options.name.substr(equals + 1);
         options.name.resize(equals);
         options.has_value = true;
@@ -209,11 +200,11 @@ std::uint32_t resolve(scenario_conf_c& conf, const options_s& options, std::stri
                                     : conf.find_scenario_row(options.name.c_str());
 }
 
-int run_get(scenario_conf_c& conf, const options_s& options) {
+int run_get(const invocation_s& call, scenario_conf_c& conf, const options_s& options) {
     std::string ambiguous;
     std::uint32_t row = resolve(conf, options, ambiguous);
     if (!ambiguous.empty())
-        return usage_error("'" + options.name + "' names several settings: " + ambiguous);
+        return usage_error(call, "'" + options.name + "' names several settings: " + ambiguous);
     if (row == scenario_conf_c::not_found) {
         std::fprintf(stderr, "stats_tool: no setting is named %s\n", options.name.c_str());
         return exit_refused;
@@ -245,11 +236,11 @@ int run_get(scenario_conf_c& conf, const options_s& options) {
     return exit_done;
 }
 
-int run_set(scenario_conf_c& conf, const options_s& options) {
+int run_set(const invocation_s& call, scenario_conf_c& conf, const options_s& options) {
     std::string ambiguous;
     std::uint32_t row = find_row_by_name(options.target, options.name, ambiguous);
     if (!ambiguous.empty())
-        return usage_error("'" + options.name + "' names several settings: " + ambiguous);
+        return usage_error(call, "'" + options.name + "' names several settings: " + ambiguous);
     // A row name stands for the dotted path its item has in this scenario.
     std::string full_name = options.name;
     xml_item_c* item = nullptr;
@@ -268,8 +259,8 @@ int run_set(scenario_conf_c& conf, const options_s& options) {
         std::vector<std::string> entries;
         std::string why;
         if (!parse_json_string_array(options.value, entries, why))
-            return usage_error("the list of " + options.name +
-                               " is no JSON array of strings: " + why);
+            return usage_error(call, "the list of " + options.name +
+                                         " is no JSON array of strings: " + why);
         value.strings = new xmc_string_array_c;
         for (const std::string& entry : entries) value.strings->add(entry.c_str());
     }
@@ -319,18 +310,23 @@ int run_set(scenario_conf_c& conf, const options_s& options) {
     return exit_done;
 }
 
-} // namespace
-
-int run_setting_command(const std::vector<std::string>& args) {
-    bool is_set = !args.empty() && args[0] == "set";
+// Reads the arguments, checks that FILE exists and loads it, then gets or sets.
+int run_setting_command(const invocation_s& call, bool is_set) {
     options_s options;
-    std::string problem = parse(args, is_set, options);
-    if (!problem.empty()) return usage_error(problem);
+    std::string problem = parse(call.args, is_set, options);
+    if (!problem.empty()) return usage_error(call, problem);
+    if (!path_exists(options.file)) return does_not_exist(call, options.file);
     scenario_conf_c conf;
     scenario_load_result_s loaded = scenario_loader_n::load_file(conf, options.file.c_str());
     if (!loaded.ok()) {
         std::fprintf(stderr, "stats_tool: %s\n", loaded.message.c_str());
         return exit_error;
     }
-    return is_set ? run_set(conf, options) : run_get(conf, options);
+    return is_set ? run_set(call, conf, options) : run_get(call, conf, options);
 }
+
+} // namespace
+
+int run_get_command(const invocation_s& call) { return run_setting_command(call, false); }
+
+int run_set_command(const invocation_s& call) { return run_setting_command(call, true); }

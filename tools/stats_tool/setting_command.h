@@ -3,12 +3,14 @@
 // again in the writer's form.
 #pragma once
 
-#include <string>
-#include <vector>
+#include "command.h"
 
-// `get FILE NAME [--host N|--manager] [--json]` and
-// `set FILE NAME=VALUE [--host N|--manager] [--force] [--json]`; `args` starts with the
-// command's name. Exit status: 0 read / stored, 1 no such setting, a setting that can't be read,
-// or a value refused (the file stays as it was), 2 a usage error or a file that can't be read
-// or written.
-int run_setting_command(const std::vector<std::string>& args);
+// `get FILE NAME [--host N|--manager] [--json]`. 0 read, 1 no such setting or a setting that
+// can't be read, 2 a usage error (a label several rows share is one), a FILE that does not
+// exist or can't be loaded.
+int run_get_command(const invocation_s& call);
+
+// `set FILE NAME=VALUE [--host N|--manager] [--force] [--json]`. 0 stored, 1 a value refused
+// (the file stays as it was), 2 a usage error, a FILE that does not exist, can't be loaded or
+// can't be written.
+int run_set_command(const invocation_s& call);

@@ -1,5 +1,7 @@
 #include "template_command.h"
 
+#include "reference_command.h"
+
 #include "configuration/xmc_template.h"
 #include "utl/utl_stream.h"
 
@@ -22,5 +24,18 @@ int run_template() {
     std::size_t length = std::strlen(bytes);
     bool written = std::fwrite(bytes, 1, length, stdout) == length && std::fflush(stdout) == 0;
     if (!written) std::fprintf(stderr, "stats_tool: the template could not be written\n");
-    return written ? 0 : 2;
+    return written ? exit_yes : exit_error;
+}
+
+int run_template_command(const invocation_s& call) {
+    bool reference = false;
+    for (const std::string& arg : call.args) {
+        if (arg == "--reference" && !reference)
+            reference = true;
+        else if (is_option(arg) && arg != "--reference")
+            return usage_error(call, "unknown option '" + arg + "'");
+        else
+            return usage_error(call, "unexpected argument '" + arg + "'");
+    }
+    return reference ? run_settings_reference() : run_template();
 }

@@ -15,15 +15,8 @@
 
 namespace {
 
-constexpr int exit_valid = 0;
-constexpr int exit_invalid = 1;
-constexpr int exit_error = 2;
-
-int usage_error(const std::string& message) {
-    std::fprintf(stderr, "stats_tool: validate: %s; see 'stats_tool help validate'\n",
-                 message.c_str());
-    return exit_error;
-}
+constexpr int exit_valid = exit_yes;
+constexpr int exit_invalid = exit_no;
 
 std::string text_of(const utl_stream_c& stream) { return stream.c_str() ? stream.c_str() : ""; }
 
@@ -50,24 +43,27 @@ std::string finding_json(const ch_data_s& finding, const scenario_item_lines_c& 
 
 } // namespace
 
-int run_validate(const std::vector<std::string>& args) {
+int run_validate_command(const invocation_s& call) {
+    const std::vector<std::string>& args = call.args;
     std::string file, messages;
     bool json = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "--json") {
             json = true;
         } else if (args[i] == "--messages") {
-            if (i + 1 >= args.size()) return usage_error("missing FILE after --messages");
+            if (i + 1 >= args.size()) return usage_error(call, "missing value after " + args[i]);
             messages = args[++i];
-        } else if (args[i].rfind("--", 0) == 0) {
-            return usage_error("unknown option '" + args[i] + "'");
+        } else if (is_option(args[i])) {
+            return usage_error(call, "unknown option '" + args[i] + "'");
         } else if (file.empty()) {
             file = args[i];
         } else {
-            return usage_error("unexpected argument '" + args[i] + "'");
+            return usage_error(call, "unexpected argument '" + args[i] + "'");
         }
     }
-    if (file.empty()) return usage_error("missing FILE");
+    if (file.empty()) return usage_error(call, "missing FILE");
+    if (!path_exists(file)) return does_not_exist(call, file);
+    if (!messages.empty() && !path_exists(messages)) return does_not_exist(call, messages);
 
     // The texts of the findings come from the catalogue; without one each reads as the
     // library's fallback text, which is said once.

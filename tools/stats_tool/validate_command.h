@@ -2,10 +2,9 @@
 // lists what the checks found.
 #pragma once
 
-#include <string>
-#include <vector>
+#include "command.h"
 
-// `args` are the command's own arguments: FILE [--json] [--messages FILE]. 0 when the scenario
-// is valid, 1 when a check found it invalid, 2 when the file could not be read as a stored
-// scenario (or for a usage error).
-int run_validate(const std::vector<std::string>& args);
+// `validate FILE [--json] [--messages FILE]`: 0 when the scenario is valid, 1 when a check found
+// it invalid, 2 for a usage error or a file that does not exist or can't be read as a stored
+// scenario.
+int run_validate_command(const invocation_s& call);
