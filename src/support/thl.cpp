@@ -391,3 +391,41 @@ bool parse_formatted_integer_string(const char* text, std::int64_t& result) {
 }
 
 } // namespace mix_n
+
+// ---- multi_reader_lock_c
+
+namespace {
+
+// The read locks this thread holds, each with the number of its holds. A thread holds very few
+// at once; one beyond these places is taken and let go without being counted.
+struct read_hold_s {
+    const single_writer_multi_reader_c* lock;
+    unsigned depth;
+};
+constexpr std::size_t read_hold_places = 16;
+thread_local read_hold_s read_holds[read_hold_places];
+
+} // namespace
+
+bool multi_reader_lock_c::_enter(const single_writer_multi_reader_c* lock) {
+    read_hold_s* free_place = nullptr;
+    for (read_hold_s& hold : read_holds) {
+        if (hold.lock == lock) {
+            ++hold.depth;
+            return false;
+        }
+        if (!hold.lock && !free_place) free_place = &hold;
+    }
+    if (free_place) *free_place = {lock, 1};
+    return true;
+}
+
+bool multi_reader_lock_c::_leave(const single_writer_multi_reader_c* lock) {
+    for (read_hold_s& hold : read_holds) {
+        if (hold.lock != lock) continue;
+        if (--hold.depth > 0) return false;
+        hold.lock = nullptr;
+        return true;
+    }
+    return true;
+}

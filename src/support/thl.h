@@ -157,16 +157,27 @@ class single_writer_lock_c {
     single_writer_multi_reader_c& _lock;
 };
 
+// The read side. A thread that already reads under the lock reads on without asking again:
+// a second request of the same thread could otherwise wait behind a writer that waits for the
+// first, whichever way the system's lock orders them. The locks a thread reads under are kept
+// per thread.
 class multi_reader_lock_c {
   public:
     explicit multi_reader_lock_c(single_writer_multi_reader_c& lock) : _lock(lock) {
-        _lock._mutex.lock_shared();
+        if (_enter(&lock)) _lock._mutex.lock_shared();
     }
-    ~multi_reader_lock_c() { _lock._mutex.unlock_shared(); }
+    ~multi_reader_lock_c() {
+        if (_leave(&_lock)) _lock._mutex.unlock_shared();
+    }
     multi_reader_lock_c(const multi_reader_lock_c&) = delete;
     multi_reader_lock_c& operator=(const multi_reader_lock_c&) = delete;
 
   private:
+    // Whether this is the thread's first hold of `lock`, which then takes the system's lock;
+    // whether the last hold ends, which then lets it go.
+    static bool _enter(const single_writer_multi_reader_c* lock);
+    static bool _leave(const single_writer_multi_reader_c* lock);
+
     single_writer_multi_reader_c& _lock;
 };
 

@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <set>
 #include <string>
 #include <thread>
@@ -266,4 +268,43 @@ TEST(thl_threads, parsing_numbers_from_many_threads) {
         }
     });
     EXPECT_EQ(wrong.load(), 0);
+}
+
+TEST(thl_threads, a_reader_reads_again_while_a_writer_waits) {
+    // The second read of the same thread must not queue behind the writer that waits for the
+    // first: that would hold both for ever.
+    single_writer_multi_reader_c lock;
+    std::atomic<bool> writer_waiting{false}, written{false};
+    std::thread writer;
+    {
+        multi_reader_lock_c first(lock);
+        writer = std::thread([&] {
+            writer_waiting = true;
+            single_writer_lock_c write(lock);
+            written = true;
+        });
+        while (!writer_waiting) std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        {
+            multi_reader_lock_c second(lock);
+            EXPECT_FALSE(written.load());
+        }
+        EXPECT_FALSE(written.load()) << "the first hold still stands";
+    }
+    writer.join();
+    EXPECT_TRUE(written.load());
+}
+
+TEST(thl_threads, holds_of_many_locks_at_once_are_each_let_go) {
+    std::vector<single_writer_multi_reader_c> locks(20);
+    {
+        std::vector<std::unique_ptr<multi_reader_lock_c>> holds;
+        for (auto& lock : locks) holds.push_back(std::make_unique<multi_reader_lock_c>(lock));
+        for (auto& lock : locks) holds.push_back(std::make_unique<multi_reader_lock_c>(lock));
+    }
+    // Every lock is free again: a writer takes each at once.
+    for (auto& lock : locks) {
+        std::thread writer([&] { single_writer_lock_c write(lock); });
+        writer.join();
+    }
 }
