@@ -55,10 +55,11 @@ TEST_F(stats_tool, validate_json_lists_the_findings_with_their_fields_and_lines)
     std::string text = test_support::read_file(file);
     std::size_t line = line_holding(text, "label=\"IsAliveTimeout\"");
     ASSERT_NE(line, 0u);
-    EXPECT_NE(result.out.find("{\"host\": 0, \"item\": -1, \"code\": 24, \"message_id\": "
-                              "\"CV01372\", \"name\": "
-                              "\"ConfigDataHolder.Scenario.Switchover.is_alive.IsAliveTimeout\", "
-                              "\"peer_name\": \"5\", \"text\": \"Scenario, "),
+    EXPECT_NE(result.out.find(
+                  "{\"host\": 0, \"item\": -1, \"code\": 24, \"message_id\": "
+                  "\"CV01372\", \"name\": "
+                  "\"ConfigDataHolder.Scenario.Switchover.is_alive.IsAliveTimeout\", "
+                  "\"peer_name\": \"5\", \"text\": \"The value lies outside the permitted range "),
               std::string::npos)
         << result.out;
     EXPECT_NE(result.out.find("\"line\": " + std::to_string(line) + "}"), std::string::npos)

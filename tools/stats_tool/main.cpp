@@ -192,7 +192,8 @@ const std::vector<command_s> commands = {
      "FILE is valid. Faults of the tree's shape are told in the library's trace (--trace DIR).\n"
      "\n"
      "  --json           a JSON array of the findings instead, each an object with host, item "
-     "(-1 where no root directory is concerned), code, message_id, name, peer_name, text and "
+     "(-1 where no root directory is concerned), code, message_id, name, peer_name, text (what "
+     "the finding says) and "
      "line (the line of the finding's item in FILE, or null)\n"
      "  --messages FILE  the message catalogue to read\n",
      {{0, "the scenario is valid"},

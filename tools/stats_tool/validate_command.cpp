@@ -20,15 +20,15 @@ constexpr int exit_invalid = exit_no;
 
 std::string text_of(const utl_stream_c& stream) { return stream.c_str() ? stream.c_str() : ""; }
 
-// One finding as a JSON object; `line` is that of the finding's item in the file, where the
-// finding names an item the load made.
+// One finding as a JSON object: `text` is what the finding says (its message's text, or its
+// own words for code 36) and `line` that of the finding's item in the file, where the finding
+// names an item the load made.
 std::string finding_json(const ch_data_s& finding, const scenario_item_lines_c& lines) {
     utl_stream_c id;
     message_id_of(finding.code, id);
-    utl_stream_c printed;
-    print_record(finding, printed);
-    std::string text = text_of(printed);
-    if (!text.empty() && text.back() == '\n') text.pop_back();
+    std::string text = finding.code == ch_data_s::code_of_own_text
+                           ? text_of(finding.text)
+                           : text_of(message_c(text_of(id).c_str()).text);
     std::uint64_t line = lines.line_of(finding.tree_item);
     std::string json = "{\"host\": " + std::to_string(finding.host) + ", \"item\": ";
     json += finding.item == ch_data_s::no_item ? "-1" : std::to_string(finding.item);
