@@ -6,26 +6,15 @@
 
 #include "support/trc.h"
 
-#include <string_view>
-
 namespace {
 
 constexpr const char* source = "xmc_conf";
 
-constexpr std::uint32_t product_ha = 1;
-constexpr std::uint32_t application_file_server = 0;
-constexpr std::uint32_t application_hyper_v = 7;
-constexpr std::uint32_t application_full_system = 11;
-constexpr std::uint32_t replication_scheduling = 1;
-
-constexpr std::string_view item_of(std::uint32_t enumeration, std::uint32_t position) {
-    return xmc_enums_n::enum_table[enumeration].items[position].name;
-}
-static_assert(item_of(xmc_enums_n::enum_product, product_ha) == "Ha");
-static_assert(item_of(xmc_enums_n::enum_application, application_file_server) == "FileServer");
-static_assert(item_of(xmc_enums_n::enum_application, application_hyper_v) == "HyperV");
-static_assert(item_of(xmc_enums_n::enum_application, application_full_system) == "FullSystem");
-static_assert(item_of(xmc_enums_n::enum_replication_mode, replication_scheduling) == "Scheduling");
+using scenario_conf_n::application_file_server;
+using scenario_conf_n::application_full_system;
+using scenario_conf_n::application_hyper_v;
+using scenario_conf_n::product_ha;
+using scenario_conf_n::replication_scheduling;
 
 // Rows of scenario_data_table.
 constexpr std::uint32_t row_is_cdp_scenario = 8;

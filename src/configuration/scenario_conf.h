@@ -18,6 +18,7 @@
 #include "utl/utl_stream.h"
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 // The id of the external object that get_generic_object serves: the database object's.
@@ -40,6 +41,24 @@ inline constexpr std::uint32_t product_not_set =
     static_cast<std::uint32_t>(xmc_enums_n::enum_table[xmc_enums_n::enum_product].count);
 inline constexpr std::uint32_t application_not_set =
     static_cast<std::uint32_t>(xmc_enums_n::enum_table[xmc_enums_n::enum_application].count);
+
+// The positions of the enumerations' items that rules single out.
+inline constexpr std::uint32_t product_ha = 1;
+inline constexpr std::uint32_t application_file_server = 0;
+inline constexpr std::uint32_t application_hyper_v = 7;
+inline constexpr std::uint32_t application_full_system = 11;
+inline constexpr std::uint32_t replication_scheduling = 1;
+
+constexpr std::string_view item_of(std::uint32_t enumeration, std::uint32_t position) {
+    return xmc_enums_n::enum_table[enumeration].items[position].name;
+}
+static_assert(item_of(xmc_enums_n::enum_config_mode, config_mode_regular) == "Regular");
+static_assert(item_of(xmc_enums_n::enum_config_mode, config_mode_assessment) == "Assessment");
+static_assert(item_of(xmc_enums_n::enum_product, product_ha) == "Ha");
+static_assert(item_of(xmc_enums_n::enum_application, application_file_server) == "FileServer");
+static_assert(item_of(xmc_enums_n::enum_application, application_hyper_v) == "HyperV");
+static_assert(item_of(xmc_enums_n::enum_application, application_full_system) == "FullSystem");
+static_assert(item_of(xmc_enums_n::enum_replication_mode, replication_scheduling) == "Scheduling");
 } // namespace scenario_conf_n
 
 class scenario_conf_c : public xmc_conf_c {

@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 using namespace xmc_enums_n;
 
@@ -23,18 +22,9 @@ namespace {
 
 constexpr const char* source = "xmc_conf";
 
-constexpr std::uint32_t application_hyper_v = 7;
-constexpr std::uint32_t application_full_system = 11;
-constexpr std::uint32_t product_ha = 1;
+using scenario_conf_n::application_full_system;
+using scenario_conf_n::application_hyper_v;
 
-constexpr std::string_view item_of(std::uint32_t enumeration, std::uint32_t position) {
-    return xmc_enums_n::enum_table[enumeration].items[position].name;
-}
-static_assert(item_of(xmc_enums_n::enum_application, application_hyper_v) == "HyperV");
-static_assert(item_of(xmc_enums_n::enum_application, application_full_system) == "FullSystem");
-static_assert(item_of(xmc_enums_n::enum_product, product_ha) == "Ha");
-static_assert(item_of(xmc_enums_n::enum_config_mode, scenario_conf_n::config_mode_assessment) ==
-              "Assessment");
 // The values that mean "not set" are the enumerations' item counts.
 static_assert(scenario_conf_n::config_mode_not_set == 8);
 static_assert(scenario_conf_n::product_not_set == 4);

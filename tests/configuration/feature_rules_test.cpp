@@ -5,6 +5,7 @@
 #include "common/test_support.h"
 #include "configuration/scenario_documents.h"
 #include "configuration/scenario_loader.h"
+#include "configuration/validity_findings.h"
 
 #include <gtest/gtest.h>
 
@@ -12,43 +13,10 @@
 #include <vector>
 
 namespace sd = scenario_documents;
-using test_support::lines_of;
+using namespace validity_findings;
 using test_support::trace_capture_c;
 
 namespace {
-
-struct finding_s {
-    std::uint32_t code;
-    std::uint64_t host;
-    std::string name;
-
-    bool operator==(const finding_s& o) const {
-        return code == o.code && host == o.host && name == o.name;
-    }
-};
-
-std::ostream& operator<<(std::ostream& out, const finding_s& f) {
-    return out << "{code " << f.code << ", host " << f.host << ", " << f.name << "}";
-}
-
-std::string text_of(const utl_stream_c& s) { return s.c_str() ? s.c_str() : ""; }
-
-std::string line_with(const std::string& trace, const std::string& text) {
-    for (const std::string& line : lines_of(trace))
-        if (line.find(text) != std::string::npos) return line;
-    return {};
-}
-
-std::string object(const std::string& label, const std::string& content,
-                   const std::string& status = "") {
-    std::string attributes = "label=\"" + label + "\" id=\"77\"";
-    if (!status.empty()) attributes += " status=\"" + status + "\"";
-    return "<object " + attributes + ">" + content + "</object>";
-}
-
-std::string flag(const std::string& label, bool on) {
-    return sd::data(label, on ? "True" : "False", "Bool");
-}
 
 std::string number(const std::string& label, const std::string& value) {
     return sd::data(label, value, "Number");
@@ -119,12 +87,7 @@ class feature_rules_test : public ::testing::Test {
         ASSERT_TRUE(result.ok()) << text_of(result.message);
     }
     bool rules() { return conf._check_specific_features(validity); }
-    std::vector<finding_s> findings() {
-        std::vector<finding_s> all;
-        for (ch_data_s* f = validity.findings.first(); f; f = validity.findings.next(f))
-            all.push_back({f->code, f->host, text_of(f->name)});
-        return all;
-    }
+    std::vector<finding_s> findings() { return findings_of(validity); }
     std::vector<finding_s> with_code(std::uint32_t code) {
         std::vector<finding_s> some;
         for (const finding_s& f : findings())

@@ -6,6 +6,7 @@
 #include "common/test_support.h"
 #include "configuration/scenario_documents.h"
 #include "configuration/scenario_loader.h"
+#include "configuration/validity_findings.h"
 
 #include <gtest/gtest.h>
 
@@ -13,55 +14,10 @@
 #include <vector>
 
 namespace sd = scenario_documents;
-using test_support::lines_of;
+using namespace validity_findings;
 using test_support::trace_capture_c;
 
 namespace {
-
-struct finding_s {
-    std::uint32_t code;
-    std::uint64_t host;
-    std::string name;
-    std::string peer = "";
-    std::uint64_t item = ch_data_s::no_item;
-
-    bool operator==(const finding_s& o) const {
-        return code == o.code && host == o.host && name == o.name && peer == o.peer &&
-               item == o.item;
-    }
-};
-
-std::ostream& operator<<(std::ostream& out, const finding_s& f) {
-    return out << "{code " << f.code << ", host " << f.host << ", " << f.name << " => " << f.peer
-               << ", item " << static_cast<std::int64_t>(f.item) << "}";
-}
-
-// The first line of the trace that holds `text`; empty when none does.
-std::string line_with(const std::string& trace, const std::string& text) {
-    for (const std::string& line : lines_of(trace))
-        if (line.find(text) != std::string::npos) return line;
-    return {};
-}
-
-std::string text_of(const utl_stream_c& s) { return s.c_str() ? s.c_str() : ""; }
-
-std::vector<finding_s> findings_of(xmc_validity_c& validity) {
-    std::vector<finding_s> all;
-    for (ch_data_s* f = validity.findings.first(); f; f = validity.findings.next(f))
-        all.push_back({f->code, f->host, text_of(f->name), text_of(f->peer_name), f->item});
-    return all;
-}
-
-std::string object(const std::string& label, const std::string& content,
-                   const std::string& status = "") {
-    std::string attributes = "label=\"" + label + "\" id=\"77\"";
-    if (!status.empty()) attributes += " status=\"" + status + "\"";
-    return "<object " + attributes + ">" + content + "</object>";
-}
-
-std::string flag(const std::string& label, bool on) {
-    return sd::data(label, on ? "True" : "False", "Bool");
-}
 
 // A host: its `CommonHostProps` with `Index` (and `props`), then `content`, then its replicas.
 std::string host(const std::string& index, const std::string& content = "",
