@@ -144,6 +144,9 @@ std::int64_t FILE_c::write(const void* buffer, std::int64_t count) {
 }
 
 bool FILE_c::flush() {
+    // A C stream's flush may drop what it read ahead and leave the system elsewhere (the Windows
+    // runtime does): the next transfer asks where the system stands.
+    _forget_system_position();
     if ((open_flags & open_flags_n::overlapped) && is_open() && !_drain_writer()) return false;
     return basic_file_c::flush();
 }

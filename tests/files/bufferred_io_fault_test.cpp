@@ -56,7 +56,7 @@ class settings_c {
     setting_group_c _group;
 };
 
-std::string chunk_of(int number) {
+[[maybe_unused]] std::string chunk_of(int number) {
     std::string text(chunk, '\0');
     for (std::size_t i = 0; i < chunk; ++i) text[i] = static_cast<char>('A' + number + i % 7);
     return text;

@@ -138,8 +138,7 @@ std::string run_sequence(const variant_s& variant, std::uint64_t seed, const std
 class BufferedIoProperty : public ::testing::TestWithParam<variant_s> {};
 
 TEST_P(BufferedIoProperty, RandomSequencesGiveTheBytesOfPlainIo) {
-    // Opening a file costs more under wine: fewer sequences there, still crossing every size.
-    const int sequences = test_support::on_wine() ? 200 : 800;
+    const int sequences = 800;
     temp_dir_c dir;
     std::string path = dir.join("sequence.bin");
     for (int i = 0; i < sequences; ++i) {
