@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -157,8 +158,10 @@ bool pre_read_c::_complete(aio_request_s*& request, bool front) {
         // The rest of a chunk was read straight into the buffer, behind the data before it.
         cursor = static_cast<std::uint32_t>(static_cast<std::uint8_t*>(request->buffer) - buffer);
     } else {
+        // The next chunk becomes the window. The two buffers are of one size and no read runs
+        // into either now, so they trade places instead of copying the chunk across.
         cursor = 0;
-        std::memcpy(buffer, second_buffer, request->count);
+        std::swap(buffer, second_buffer);
     }
     position = request->offset;
     valid = request->count;
