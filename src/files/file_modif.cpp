@@ -3,6 +3,7 @@
 #include "files/file_manipulation.h"
 #include "files/qv_io_api_createfile.h"
 #include "support/trc.h"
+#include "utl/value.h"
 
 #include <cstring>
 
@@ -11,12 +12,34 @@ constexpr const char* source = "file_modif";
 constexpr std::uint32_t default_sector = 512;
 } // namespace
 
+FILE_c::FILE_c() : reader(this), writer(this) {}
+
 FILE_c::~FILE_c() { FILE_c::close(); }
+
+void FILE_c::_set_open_flags(std::uint32_t flags) {
+    open_flags = flags;
+    reader.mode = flags;
+    writer.mode = flags;
+}
+
+bool FILE_c::_drain_writer() {
+    bool flushed = writer.flush();
+    bool waited = writer._wait_all();
+    _forget_system_position();
+    return flushed && waited;
+}
+
+bool FILE_c::_release_buffers() {
+    reader.reset();
+    bool ok = writer.release();
+    _forget_system_position();
+    return ok;
+}
 
 bool FILE_c::open(const char* new_path, const char* mode, void* transaction, unsigned flags) {
     QVTR_SCOPE(tr, "FILE_c::open", source);
     position = 0;
-    open_flags = flags;
+    _set_open_flags(flags);
     if (names_qv_volume(new_path)) {
         utl_stream_c device(new_path);
         if (strip_qv_volume_suffix(device)) {
@@ -26,6 +49,15 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
                      new_path);
             return false;
         }
+    }
+    if (open_flags & open_flags_n::overlapped) {
+        // The two read paths exclude each other; the writer writes asynchronously unless the
+        // settings say otherwise.
+        _set_open_flags(open_flags & ~open_flags_n::read_ahead);
+        writer.use_aio =
+            settings_n::bool_or(settings_n::enable_aio_write, settings_n::enable_aio_write_default);
+    } else {
+        writer.use_aio = false;
     }
     _forget_system_position();
     _last_transfer = transfer_t::none;
@@ -39,6 +71,7 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
     unsigned cluster = 0;
     unsigned sector = file_manipulation_n::bytes_per_sector(new_path, &cluster);
     cluster_size = sector ? cluster : default_sector;
+    reader.sector_size = writer.sector_size = sector ? sector : default_sector;
     return true;
 }
 
@@ -69,6 +102,21 @@ std::int64_t FILE_c::read(void* buffer, std::int64_t count) {
         error = closed_file_error;
         return -1;
     }
+    if (open_flags & (open_flags_n::read_ahead | open_flags_n::overlapped)) {
+        // Reads never overtake the writes of this object.
+        if ((open_flags & open_flags_n::overlapped) && !_drain_writer()) {
+            error = pending_writes_error;
+            return -1;
+        }
+        auto wanted = static_cast<std::uint64_t>(count);
+        std::uint64_t got = (open_flags & open_flags_n::overlapped)
+                                ? reader.read_ahead(buffer, position, wanted)
+                                : reader.read(buffer, position, wanted);
+        _forget_system_position();
+        if (got == cache_base_c::all_ones) return -1;
+        position += got;
+        return static_cast<std::int64_t>(got);
+    }
     if (!_place(true)) return -1;
     std::int64_t moved = basic_file_c::read(buffer, count);
     _note_transfer(moved);
@@ -80,13 +128,28 @@ std::int64_t FILE_c::write(const void* buffer, std::int64_t count) {
         error = closed_file_error;
         return -1;
     }
+    // What the reader holds of the file is old once the file is written.
+    if (open_flags & (open_flags_n::read_ahead | open_flags_n::overlapped)) reader.discard();
+    if (open_flags & open_flags_n::overlapped) {
+        std::uint64_t put = writer.write(buffer, position, static_cast<std::uint64_t>(count));
+        _forget_system_position();
+        if (put == cache_base_c::all_ones) return -1;
+        position += put;
+        return static_cast<std::int64_t>(put);
+    }
     if (!_place(false)) return -1;
     std::int64_t moved = basic_file_c::write(buffer, count);
     _note_transfer(moved);
     return moved;
 }
 
-bool FILE_c::flush() { return basic_file_c::flush(); }
+bool FILE_c::flush() {
+    // A C stream's flush may drop what it read ahead and leave the system elsewhere (the Windows
+    // runtime does): the next transfer asks where the system stands.
+    _forget_system_position();
+    if ((open_flags & open_flags_n::overlapped) && is_open() && !_drain_writer()) return false;
+    return basic_file_c::flush();
+}
 
 std::int64_t FILE_c::tell() { return is_open() ? static_cast<std::int64_t>(position) : -1; }
 
@@ -109,12 +172,18 @@ void FILE_c::_note_transfer(std::int64_t moved) {
 bool FILE_c::close() {
     _forget_system_position();
     if (!is_open()) return false;
-    return basic_file_c::close();
+    bool result = true;
+    if ((open_flags & open_flags_n::overlapped) && !_drain_writer()) result = false;
+    if (!_release_buffers()) result = false;
+    if (!basic_file_c::close()) result = false;
+    return result;
 }
 
 bool FILE_c::truncate(std::int64_t size) {
     _forget_system_position();
     if (!is_open()) return basic_file_c::truncate(path.c_str(), size);
+    if ((open_flags & open_flags_n::overlapped) && !_drain_writer()) return false;
+    if (open_flags & (open_flags_n::read_ahead | open_flags_n::overlapped)) reader.discard();
     return basic_file_c::truncate(size);
 }
 

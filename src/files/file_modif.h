@@ -1,8 +1,11 @@
 // FILE_c: the file class the rest of the library uses. It keeps its own position, so that tell
-// and seek cost no system call; each read and write goes to the system at that position.
+// and seek cost no system call; each read and write goes to the system at that position, or,
+// with open flag 0x10, through the chunked reader, and with 0x20 through the reader with its
+// read-ahead and the ring of asynchronous writes.
 #pragma once
 
 #include "files/basic_file.h"
+#include "files/bufferred_io.h"
 
 #include <cstdint>
 
@@ -10,8 +13,10 @@ class FILE_c : public basic_file_c {
   public:
     // The error FILE_c puts in `error` for a read or write on a closed file.
     static constexpr std::int64_t closed_file_error = 0xE0001;
+    // The error of a read that found the asynchronous writes before it failed.
+    static constexpr std::int64_t pending_writes_error = 0xE0003;
 
-    FILE_c() = default;
+    FILE_c();
     ~FILE_c() override;
 
     bool open(const char* path, const char* mode, void* transaction, unsigned flags) override;
@@ -28,8 +33,17 @@ class FILE_c : public basic_file_c {
     std::uint32_t open_flags = 0;
     std::uint64_t position = 0;
     std::uint32_t cluster_size = 0;
+    pre_read_c reader;
+    post_write_c writer;
 
   private:
+    // Stores the open flags here and in the reader and the writer.
+    void _set_open_flags(std::uint32_t flags);
+    // Writes out the writer's block and waits for its writes; false when either failed.
+    bool _drain_writer();
+    // Releases the reader and the writer; false when a write still in flight failed.
+    bool _release_buffers();
+
     // Puts the system's position where this object's is; false when that fails.
     bool _place(bool for_reading);
     // The system's position when this object knows it: after an open that starts at 0 and after

@@ -3,6 +3,7 @@
 
 #include "platform/os.h"
 
+#include <memory>
 #include <string>
 
 namespace os::posix {
@@ -31,6 +32,9 @@ DWORD attributes_of(const std::string& path, bool follow_links);
 // hidden, system, archive and offline in "user.DOSATTRIB". False with the last error set.
 bool store_attributes(const std::string& path, DWORD attributes);
 
+// The kernel's queue of asynchronous transfers of an overlapped handle (io.inc).
+struct async_ring_s;
+
 // What a HANDLE points to on this system: a descriptor with what it was opened for, or an event.
 struct handle_s {
     int fd = -1;
@@ -38,6 +42,10 @@ struct handle_s {
     bool is_link = false; // opened on a symbolic link itself (O_PATH)
     DWORD access = 0;
     bool overlapped = false;
+    // Made at the first overlapped transfer of an overlapped handle; shared by its duplicates.
+    std::shared_ptr<async_ring_s> ring;
+    // The kernel refused a ring to this handle: its transfers complete at once.
+    bool ring_refused = false;
     bool is_event = false;
     bool event_signalled = false;
 };
@@ -50,6 +58,9 @@ void free_handle(handle_s* record);
 handle_s* find_handle(HANDLE handle);
 // As find_handle, and ERROR_INVALID_HANDLE for an invalid one.
 handle_s* handle_of(HANDLE handle);
+
+// Waits for every transfer the handle's ring holds (before its descriptor closes).
+void drain_ring(handle_s& h);
 
 // The kinds of access that take part in sharing.
 struct share_access_s {

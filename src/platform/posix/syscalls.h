@@ -5,11 +5,14 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
 #include <unistd.h>
+
+struct io_uring_params;
 
 namespace os::posix {
 
@@ -58,6 +61,14 @@ struct syscall_table_s {
     int (*dup)(int fd);
     int (*dup2)(int fd, int target);
     int (*isatty)(int fd);
+
+    // ---- the kernel's queue of asynchronous transfers (io_uring), by its raw system calls
+    // io_uring_setup(2): a new ring of `entries` places, its layout in `params`.
+    int (*io_uring_setup)(unsigned entries, struct io_uring_params* params);
+    // io_uring_enter(2) without a signal mask: submits and waits for completions.
+    int (*io_uring_enter)(int ring, unsigned to_submit, unsigned min_complete, unsigned flags);
+    void* (*mmap)(void* address, size_t length, int protection, int flags, int fd, off_t offset);
+    int (*munmap)(void* address, size_t length);
 
     // ---- processes
     pid_t (*getpid)();
