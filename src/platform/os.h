@@ -270,6 +270,21 @@ inline constexpr DWORD FILE_FILE_COMPRESSION = 0x10;
 inline constexpr DWORD FSCTL_GET_REPARSE_POINT = 0x000900A8;
 inline constexpr DWORD FSCTL_SET_SPARSE = 0x000900C4;
 inline constexpr DWORD FSCTL_SET_COMPRESSION = 0x0009C040;
+// Volume control codes.
+inline constexpr DWORD IOCTL_DISK_GET_DRIVE_GEOMETRY = 0x00070000;
+inline constexpr DWORD FSCTL_LOCK_VOLUME = 0x00090018;
+inline constexpr DWORD FSCTL_UNLOCK_VOLUME = 0x0009001C;
+inline constexpr DWORD FSCTL_DISMOUNT_VOLUME = 0x00090020;
+inline constexpr DWORD FSCTL_EXTEND_VOLUME = 0x000900F0;
+// What IOCTL_DISK_GET_DRIVE_GEOMETRY gives, 24 bytes as the system lays it out.
+struct DISK_GEOMETRY {
+    std::int64_t Cylinders;
+    DWORD MediaType;
+    DWORD TracksPerCylinder;
+    DWORD SectorsPerTrack;
+    DWORD BytesPerSector;
+};
+static_assert(sizeof(DISK_GEOMETRY) == 24);
 inline constexpr DWORD IO_REPARSE_TAG_SYMLINK = 0xA000000C;
 inline constexpr DWORD IO_REPARSE_TAG_MOUNT_POINT = 0xA0000003;
 
