@@ -2,10 +2,13 @@
 
 #include "files/file_manipulation.h"
 #include "files/qv_io_api_createfile.h"
+#include "platform/os.h"
 #include "support/trc.h"
+#include "utl/multi_lang.h"
 #include "utl/value.h"
 
 #include <cstring>
+#include <string>
 
 namespace {
 constexpr const char* source = "file_modif";
@@ -76,6 +79,27 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
 }
 
 bool FILE_c::mknod() { return true; }
+
+bool FILE_c::refresh_file_system_info() {
+    file_system_name[0] = 0;
+    utl_stream_c root(path.c_str());
+    strip_qv_volume_suffix(root);
+    std::string text = root.c_str();
+    if (text.empty()) return false;
+    for (char& c : text)
+        if (c == '/') c = '\\';
+    if (text.back() != '\\') text += '\\';
+    int size = 0;
+    if (!multi_lang_str_n::utf8_to_unicode(text.c_str(), nullptr, size) || size <= 0) return false;
+    std::u16string wide(static_cast<std::size_t>(size), u'\0');
+    if (!multi_lang_str_n::utf8_to_unicode(text.c_str(), wide.data(), size)) return false;
+    os::wide_char name[16] = {};
+    if (!os::GetVolumeInformationW(wide.c_str(), nullptr, 0, nullptr, nullptr, nullptr, name, 16))
+        return false;
+    std::memcpy(file_system_name, name, sizeof name);
+    file_system_name[15] = 0;
+    return file_system_name[0] != 0;
+}
 
 // The tell and seek of the system are skipped where the system's position is known to be this
 // object's already and the transfer goes the same way as the last one: the answer and the

@@ -29,10 +29,16 @@ class FILE_c : public basic_file_c {
     bool close() override;
     bool truncate(std::int64_t size) override;
     std::int64_t size() override;
+    // Reads the file system's name again into file_system_name from the root that the path
+    // names: the volume's device for a volume pseudo-file, the path itself otherwise. False, with
+    // the name empty, when the system names none.
+    bool refresh_file_system_info();
 
     std::uint32_t open_flags = 0;
     std::uint64_t position = 0;
     std::uint32_t cluster_size = 0;
+    // The file system of the volume this file stands for; empty for plain files.
+    os::wide_char file_system_name[16] = {};
     pre_read_c reader;
     post_write_c writer;
 

@@ -51,6 +51,8 @@ inline constexpr DWORD ERROR_HANDLE_DISK_FULL = 39;
 inline constexpr DWORD ERROR_NOT_SUPPORTED = 50;
 inline constexpr DWORD ERROR_FILE_EXISTS = 80;
 inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+inline constexpr DWORD ERROR_NOT_LOCKED = 158;
+inline constexpr DWORD ERROR_UNRECOGNIZED_VOLUME = 1005;
 inline constexpr DWORD ERROR_BROKEN_PIPE = 109;
 inline constexpr DWORD ERROR_DISK_FULL = 112;
 inline constexpr DWORD ERROR_CALL_NOT_IMPLEMENTED = 120;
@@ -306,6 +308,12 @@ BOOL FlushFileBuffers(HANDLE file);
 // A second handle in this process to the same open, with the same access.
 BOOL DuplicateHandle(HANDLE source, HANDLE* target);
 BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION* information);
+// Whole pages of memory.
+inline constexpr DWORD MEM_COMMIT = 0x1000;
+inline constexpr DWORD MEM_RELEASE = 0x8000;
+inline constexpr DWORD PAGE_READWRITE = 0x04;
+void* VirtualAlloc(void* address, std::size_t size, DWORD allocation_type, DWORD protection);
+BOOL VirtualFree(void* address, std::size_t size, DWORD free_type);
 HANDLE CreateEventW(SECURITY_ATTRIBUTES* security, BOOL manual_reset, BOOL initial_state,
                     const wide_char* name);
 // C streams over handles, as the C runtime gives them.

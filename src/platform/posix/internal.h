@@ -73,6 +73,13 @@ share_access_s sharing_access_of(DWORD access);
 enum class share_claim_t { granted, refused, not_taking_part };
 // Claims the share mode of an open of `access` that shares `share` on the descriptor.
 share_claim_t claim_share_mode(int fd, DWORD access, DWORD share);
+// Whether another open of the file takes part in sharing (reads, writes or deletes it).
+bool opened_elsewhere(int fd);
+// The lock of an image file as a volume, a share marker of its own held for writing; false with
+// ERROR_LOCK_VIOLATION when another open holds it.
+bool take_volume_lock(int fd);
+// False with ERROR_NOT_LOCKED when this open doesn't hold it.
+bool drop_volume_lock(int fd);
 void release_share_mode(int fd);
 // True when another open of the file refuses to share deletion.
 bool delete_refused_elsewhere(int fd);
