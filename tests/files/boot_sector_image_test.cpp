@@ -3,6 +3,9 @@
 // by the same tools: the volume must still read, and only the fields may differ.
 #include "files/storage_info.h"
 
+#include "files/file_modif.h"
+#include "files/volume_file.h"
+
 #include "common/test_support.h"
 #include "platform/os.h"
 
@@ -258,6 +261,53 @@ TEST(BootSectorImage, NtfsRescaledTo4096KeepsTheVolumeSizeInBytes) {
     EXPECT_EQ(get16(sector.data(), 11), 4096);
     for (unsigned i : changed(sector, original))
         EXPECT_TRUE(i == 11 || i == 12 || (i >= 40 && i < 48)) << i;
+}
+
+// The same through volume_file_c on the open image: the image's own geometry (255 heads, 63
+// sectors per track) replaces the one the tool was told, and the tools still read the volume.
+TEST(BootSectorImage, VolumeFileFitsToolMadeImagesToTheImageGeometry) {
+    struct made_s {
+        const char* tool;
+        std::string arguments;
+        unsigned megabytes;
+        const char16_t* name;
+        std::string check;
+    };
+    const made_s made[] = {
+        {"mkfs.fat", "-F 32 -S 512 -s 1 -h 0 -g 16/32", 40, u"FAT32", "fsck.fat -n"},
+        {"mkfs.fat", "-F 16 -S 512 -s 4 -h 0 -g 16/32", 16, u"FAT", "fsck.fat -n"},
+        {"mkntfs", "-F -Q -q -s 512 -p 0 -H 16 -S 32", 16, u"NTFS", "ntfsinfo -m"},
+    };
+    for (const auto& each : made) {
+        temp_dir_c dir;
+        std::string reason;
+        std::string image = make_image(dir, each.tool, each.arguments, each.megabytes, reason);
+        if (image.empty()) GTEST_SKIP() << reason;
+        std::string checker = each.check.substr(0, each.check.find(' '));
+        if (!have(checker.c_str())) GTEST_SKIP() << checker << " is not installed";
+        sector_t original = read_sector(image);
+        ASSERT_EQ(get16(original.data(), 24), 32) << each.tool;
+        std::uint64_t size = file_size(image);
+        {
+            FILE_c file;
+            ASSERT_TRUE(file.open(image.c_str(), "r+", nullptr, 0));
+            volume_file_c volume(&file);
+            EXPECT_TRUE(volume.correct_boot_sector(original.data(), true)) << each.check;
+            EXPECT_EQ(std::u16string(file.file_system_name), std::u16string(each.name));
+            std::uint64_t total = 0;
+            EXPECT_TRUE(volume.get_total_sectors(&total));
+            EXPECT_LE(total, size / 512);
+            EXPECT_TRUE(file.close());
+        }
+        EXPECT_EQ(file_size(image), size);
+        sector_t now = read_sector(image);
+        EXPECT_EQ(changed(now, original), (std::set<unsigned>{24, 26})) << each.check;
+        EXPECT_EQ(get16(now.data(), 24), 63);
+        EXPECT_EQ(get16(now.data(), 26), 255);
+        std::string log = dir.join("check.log");
+        EXPECT_EQ(run(each.check + " '" + image + "'", log), 0)
+            << each.check << ": " << test_support::read_file(log);
+    }
 }
 
 #else
