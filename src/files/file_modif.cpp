@@ -1,7 +1,10 @@
 #include "files/file_modif.h"
 
+#include "files/file.h"
 #include "files/file_manipulation.h"
 #include "files/qv_io_api_createfile.h"
+#include "files/storage_info.h"
+#include "files/volume_file.h"
 #include "platform/os.h"
 #include "support/trc.h"
 #include "utl/multi_lang.h"
@@ -9,6 +12,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 constexpr const char* source = "file_modif";
@@ -42,17 +46,26 @@ bool FILE_c::_release_buffers() {
 bool FILE_c::open(const char* new_path, const char* mode, void* transaction, unsigned flags) {
     QVTR_SCOPE(tr, "FILE_c::open", source);
     position = 0;
-    _set_open_flags(flags);
+    bool volume = false;
+    utl_stream_c device;
     if (names_qv_volume(new_path)) {
-        utl_stream_c device(new_path);
-        if (strip_qv_volume_suffix(device)) {
-            // A whole volume is opened by the volume paths of this class, which this build
-            // lacks.
-            tr.print(QVTR_FAILURE, __LINE__, "Volume files are not supported in this build: %s\n",
-                     new_path);
-            return false;
-        }
+        device.append(new_path);
+        volume = strip_qv_volume_suffix(device) == 1;
     }
+    if (volume) {
+        // A volume is opened for reading, or for reading and writing unbuffered, written
+        // through and unshared; it always exists, and is never read through a C stream.
+        if (!mode || (std::strcmp(mode, "r") != 0 && std::strcmp(mode, "r+") != 0)) {
+            tr.print(QVTR_SUCCESS, __LINE__,
+                     "change mode from '%s' to 'r+' if it is volume: %s (%s)\n", mode ? mode : "",
+                     new_path, device.c_str());
+            mode = "r+";
+            flags |= open_flags_n::no_buffering | open_flags_n::write_through |
+                     open_flags_n::share_nothing;
+        }
+        flags |= open_flags_n::overlapped | open_flags_n::open_existing;
+    }
+    _set_open_flags(flags);
     if (open_flags & open_flags_n::overlapped) {
         // The two read paths exclude each other; the writer writes asynchronously unless the
         // settings say otherwise.
@@ -70,6 +83,56 @@ bool FILE_c::open(const char* new_path, const char* mode, void* transaction, uns
         _system_position = 0;
         _system_position_known = true;
     }
+    if (volume) {
+        std::string root = device.c_str();
+        if (root.empty() || root.back() != '\\') root += '\\';
+        std::vector<os::wide_char> wide(path_n::path_buffer_size, 0);
+        int room = static_cast<int>(wide.size());
+        std::uint32_t sector_size = 0;
+        volume_size = 0;
+        if (multi_lang_str_n::utf8_to_unicode(root.c_str(), wide.data(), room)) {
+            std::uint64_t total = 0;
+            if (os::GetDiskFreeSpaceExW(wide.data(), nullptr, &total, nullptr)) volume_size = total;
+            os::DWORD per_cluster = 0, bytes = 0, free_clusters = 0, clusters = 0;
+            if (os::GetDiskFreeSpaceW(wide.data(), &per_cluster, &bytes, &free_clusters,
+                                      &clusters)) {
+                sector_size = bytes;
+                cluster_size = per_cluster * bytes;
+            }
+        }
+        refresh_file_system_info();
+        if (std::strcmp(mode, "r+") == 0 &&
+            !volume_file_c::_lock_volume(get_file_handle(), path.c_str(), &volume_locked)) {
+            tr.print(QVTR_FAILURE, __LINE__, "Unable to lock volume %s for write\n", path.c_str());
+            close();
+            return false;
+        }
+        std::uint32_t length = sector_size ? sector_size : default_sector;
+        if (!boot_sector) boot_sector = new std::uint8_t[length]();
+        if (basic_file_c::read(boot_sector, length) != static_cast<std::int64_t>(length)) {
+            tr.print(QVTR_FAILURE, __LINE__, "failed to read boot sector %s (%d).\n", path.c_str(),
+                     static_cast<int>(os::GetLastError()));
+            close();
+            return false;
+        }
+        _forget_system_position();
+        std::int64_t at = basic_file_c::tell();
+        if (at != -1) {
+            if (!basic_file_c::seek(0)) {
+                tr.print(QVTR_FAILURE, __LINE__, "failed to seek back to position 0. %s (%d).\n",
+                         path.c_str(), static_cast<int>(os::GetLastError()));
+                close();
+                return false;
+            }
+        } else {
+            position = static_cast<std::uint64_t>(-1);
+        }
+        storage_info_n::consistency_of_bs(boot_sector, file_system_name, &consistent);
+        if (sector_size) reader.sector_size = writer.sector_size = sector_size;
+        return true;
+    }
+    volume_size = 0;
+    file_system_name[0] = 0;
     // The cluster size of the drive, or 512 where its sector size can't be found.
     unsigned cluster = 0;
     unsigned sector = file_manipulation_n::bytes_per_sector(new_path, &cluster);
@@ -194,24 +257,88 @@ void FILE_c::_note_transfer(std::int64_t moved) {
 }
 
 bool FILE_c::close() {
+    QVTR_SCOPE(tr, "FILE_c::close", source);
     _forget_system_position();
     if (!is_open()) return false;
     bool result = true;
     if ((open_flags & open_flags_n::overlapped) && !_drain_writer()) result = false;
+    if (_is_volume()) {
+        // Each step is tried whatever the one before did: the boot sector written, the handle
+        // closed, the lock released through a duplicate that outlasts it, the size restored.
+        if (volume_locked && !_fix_volume())
+            tr.print(QVTR_FAILURE, __LINE__, "failed to fix volume %s.\n", path.c_str());
+        if (!_release_buffers()) result = false;
+        os::HANDLE duplicate = basic_file_c::_duplicate_handle(get_file_handle());
+        utl_stream_c kept(path.c_str());
+        if (!basic_file_c::close()) result = false;
+        volume_file_c::unlock_volume(duplicate, kept.c_str(), &volume_locked);
+        if (duplicate) basic_file_c::_close_handle(duplicate);
+        _update_volume_total_sectors();
+        delete[] boot_sector;
+        boot_sector = nullptr;
+        return result;
+    }
     if (!_release_buffers()) result = false;
     if (!basic_file_c::close()) result = false;
     return result;
 }
 
+bool FILE_c::_is_volume() const { return names_qv_volume(path.c_str()); }
+
+bool FILE_c::_fix_volume() {
+    QVTR_SCOPE(tr, "FILE_c::_fix_volume", source);
+    tr.print(QVTR_SUCCESS, __LINE__, "checking and fixing boot sector of volume %s.\n",
+             path.c_str());
+    volume_file_c volume(this);
+    volume.get_total_sectors(&total_sectors);
+    bool done = volume.correct_boot_sector(boot_sector, consistent);
+    if (!done)
+        tr.print(QVTR_FAILURE, __LINE__, "Failed to fix boot sector of volume %s.\n", path.c_str());
+    return done;
+}
+
+bool FILE_c::_update_volume_total_sectors() {
+    QVTR_SCOPE(tr, "FILE_c::_update_volume_total_sectors", source);
+    if (!boot_sector || total_sectors == 0) return false;
+    tr.print(QVTR_SUCCESS, __LINE__, "checking and fixing total sectors of volume %s.\n",
+             path.c_str());
+    std::uint64_t original = 0;
+    storage_info_n::get_volume_total_sectors(boot_sector, file_system_name, &original);
+    tr.print_nl(
+        QVTR_SUCCESS, __LINE__, "Original total sectors[%llu], current total sectors[%llu].",
+        static_cast<unsigned long long>(original), static_cast<unsigned long long>(total_sectors));
+    utl_stream_c device(path.c_str());
+    strip_qv_volume_suffix(device);
+    if (!storage_info_n::extend_volume(device.c_str(), original)) {
+        tr.print(QVTR_FAILURE, __LINE__, "Failed to extend total sectors of volume %s.\n",
+                 path.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool FILE_c::mark_consistent(bool new_state) {
+    if (!is_open()) return false;
+    if (_is_volume()) {
+        if (!volume_locked) return false;
+        consistent = new_state;
+    }
+    return true;
+}
+
+bool FILE_c::is_consistent() { return is_open() && _is_volume() ? consistent : true; }
+
 bool FILE_c::truncate(std::int64_t size) {
     _forget_system_position();
     if (!is_open()) return basic_file_c::truncate(path.c_str(), size);
     if ((open_flags & open_flags_n::overlapped) && !_drain_writer()) return false;
+    if (_is_volume()) return true;
     if (open_flags & (open_flags_n::read_ahead | open_flags_n::overlapped)) reader.discard();
     return basic_file_c::truncate(size);
 }
 
 std::int64_t FILE_c::size() {
     _forget_system_position();
+    if (_is_volume()) return static_cast<std::int64_t>(volume_size);
     return basic_file_c::size();
 }

@@ -33,16 +33,35 @@ class FILE_c : public basic_file_c {
     // names: the volume's device for a volume pseudo-file, the path itself otherwise. False, with
     // the name empty, when the system names none.
     bool refresh_file_system_info();
+    // On a volume open for writing, the state to put in its boot sector at close.
+    virtual bool mark_consistent(bool consistent);
+    virtual bool is_consistent();
 
     std::uint32_t open_flags = 0;
     std::uint64_t position = 0;
     std::uint32_t cluster_size = 0;
+    // The volume is locked by this object.
+    bool volume_locked = false;
+    // Total bytes of the volume, found at open.
+    std::uint64_t volume_size = 0;
+    // The volume's total sectors before its boot sector is fitted at close.
+    std::uint64_t total_sectors = 0;
     // The file system of the volume this file stands for; empty for plain files.
     os::wide_char file_system_name[16] = {};
+    // The volume's first sector as it was at open; owned.
+    std::uint8_t* boot_sector = nullptr;
+    // The volume's state to put in its boot sector at close.
+    bool consistent = true;
     pre_read_c reader;
     post_write_c writer;
 
   private:
+    // Whether the path names a volume pseudo-file.
+    bool _is_volume() const;
+    // At close of a locked volume: the boot sector fitted to the disk and to `boot_sector`.
+    bool _fix_volume();
+    // After close: the volume resized to the total that `boot_sector` states.
+    bool _update_volume_total_sectors();
     // Stores the open flags here and in the reader and the writer.
     void _set_open_flags(std::uint32_t flags);
     // Writes out the writer's block and waits for its writes; false when either failed.

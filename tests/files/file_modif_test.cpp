@@ -275,21 +275,26 @@ TEST_F(FileC, FlushAndMknodAreTrue) {
     EXPECT_TRUE(file.close());
 }
 
-TEST_F(FileC, VolumePseudoFileIsRefusedWithTrace) {
+// A directory is no volume: its first sector can't be read, and the open fails with the trace
+// and leaves nothing open. (Image files as volumes: volume_path_test.)
+TEST_F(FileC, DirectoryAsVolumeFailsToReadItsBootSector) {
 #if defined(_WIN32)
-    std::string volume = dir.str().substr(0, 2) + "/$$qv-volume";
+    GTEST_SKIP() << "a drive's device under wine is a fake; the volume paths are tested on image "
+                    "files in the POSIX build";
 #else
     std::string volume = dir.str() + "/$$qv-volume";
-#endif
     trace_capture_c capture;
     FILE_c file;
     EXPECT_FALSE(file.open(volume.c_str(), "r", nullptr, 0));
     EXPECT_FALSE(file.is_open());
+    EXPECT_FALSE(file.volume_locked);
     EXPECT_EQ(test_support::open_handle_count(), before);
-    std::string line =
-        trace_line(capture.text(), "Volume files are not supported in this build: " + volume);
-    ASSERT_FALSE(line.empty()) << capture.text();
-    EXPECT_NE(line.find(" level=4 "), std::string::npos) << line;
+    std::string text = capture.text();
+    std::size_t at = text.find("failed to read boot sector " + volume + " (");
+    ASSERT_NE(at, std::string::npos) << text;
+    std::size_t line_start = text.rfind('\n', at);
+    EXPECT_NE(text.substr(line_start + 1, at - line_start).find(" level=4 "), std::string::npos);
+#endif
 }
 
 // ---- bad input
