@@ -239,6 +239,45 @@ TEST(VolumeFile, LockAndUnlockAnImage) {
     EXPECT_FALSE(trace_line(text, "Successfully to unlock volume " + image + ".").empty()) << text;
 }
 
+// The caller believes the volume locked, but this open holds no lock: five tries a second apart,
+// then false with the system's error, and `locked` stays as it was.
+TEST(VolumeFile, UnlockOfAVolumeThatThisOpenDidNotLockFailsAfterFiveTries) {
+    if (!volume_codes_are_real()) GTEST_SKIP() << fake_reason;
+    trace_capture_c capture;
+    temp_dir_c dir;
+    std::string image = make_fat32_image(dir, 1 << 20, 63, 255, 2048);
+    FILE_c file;
+    ASSERT_TRUE(file.open(image.c_str(), "r+", nullptr, 0));
+    bool locked = true;
+    EXPECT_FALSE(volume_file_c::unlock_volume(file.get_file_handle(), image.c_str(), &locked));
+    EXPECT_TRUE(locked);
+    EXPECT_TRUE(file.close());
+    std::string line =
+        trace_line(capture.text(), "Unlock volume " + image + " failed, the error is " +
+                                       std::to_string(os::ERROR_NOT_LOCKED) + ".");
+    EXPECT_NE(line.find("level=4 "), std::string::npos) << capture.text();
+}
+
+// A second open of the image keeps it from being locked: the lock is refused by the system.
+TEST(VolumeFile, ImageOpenElsewhereRefusesTheLockCode) {
+    if (!volume_codes_are_real()) GTEST_SKIP() << fake_reason;
+    temp_dir_c dir;
+    std::string image = make_fat32_image(dir, 1 << 20, 63, 255, 2048);
+    FILE_c first, second;
+    ASSERT_TRUE(first.open(image.c_str(), "r+", nullptr, 0));
+    ASSERT_TRUE(second.open(image.c_str(), "r", nullptr, 0));
+    os::DWORD returned = 0;
+    EXPECT_FALSE(os::DeviceIoControl(first.get_file_handle(), os::FSCTL_LOCK_VOLUME, nullptr, 0,
+                                     nullptr, 0, &returned, nullptr));
+    EXPECT_EQ(os::GetLastError(), os::ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(second.close());
+    EXPECT_TRUE(os::DeviceIoControl(first.get_file_handle(), os::FSCTL_LOCK_VOLUME, nullptr, 0,
+                                    nullptr, 0, &returned, nullptr));
+    EXPECT_TRUE(os::DeviceIoControl(first.get_file_handle(), os::FSCTL_UNLOCK_VOLUME, nullptr, 0,
+                                    nullptr, 0, &returned, nullptr));
+    EXPECT_TRUE(first.close());
+}
+
 TEST(VolumeFile, LockWithAnInvalidHandleIsFalse) {
     bool locked = false;
     EXPECT_FALSE(volume_file_c::_lock_volume(os::INVALID_HANDLE_VALUE, "x", &locked));
