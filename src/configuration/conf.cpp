@@ -3,9 +3,8 @@
 #include "support/thl.h"
 #include "support/trc.h"
 
-#include <algorithm>
 #include <cstring>
-#include <vector>
+#include <optional>
 
 namespace {
 
@@ -19,29 +18,20 @@ const char* label_of(const xml_item_c* item) {
     return text_of(item->find_attribute(xmc_n::attr_label));
 }
 
-bool same(const char* a, const char* b) { return a && b && std::strcmp(a, b) == 0; }
+// The first bytes are compared here, so that most names that differ cost no call.
+bool same(const char* a, const char* b) { return a && b && *a == *b && std::strcmp(a, b) == 0; }
 
 std::uint32_t kind_of(const xml_item_c* item) {
     const xmc_item_c* typed = xmc_item_c::as_xmc(item);
     return typed ? typed->kind : static_cast<std::uint32_t>(xmc_n::kind_other);
 }
 
-bool is_object(const xml_item_c* item) {
-    std::uint32_t kind = kind_of(item);
-    return kind == xmc_n::kind_object || kind == xmc_n::kind_external;
-}
-
-bool matches(const xml_item_c* item, const char* label, bool want_object) {
-    bool kind_fits = want_object ? is_object(item) : kind_of(item) == xmc_n::kind_data;
-    return kind_fits && same(label_of(item), label);
-}
-
-// The children of `item` pushed so that they pop in their order.
-void push_children(std::vector<const xml_item_c*>& stack, const xml_item_c* item) {
-    std::size_t at = stack.size();
-    for (const xml_item_c* child = item->first_child_item(); child; child = child->next_item())
-        stack.push_back(child);
-    std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(at), stack.end());
+// The item after `item` in pre-order below `top`, into the children of `item` only when `enter`
+// is set; null at the end. The searches below walk with it, so that they need no stack.
+const xml_item_c* next_below(const xml_item_c* item, const xml_item_c* top, bool enter) {
+    if (enter && item->first_child) return item->first_child_item();
+    while (item != top && !item->next) item = item->parent_item();
+    return item != top ? item->next_item() : nullptr;
 }
 
 } // namespace
@@ -88,34 +78,36 @@ xml_item_c* xmc_conf_c::find_tree_item(const char* label, bool want_object, xml_
                                        bool direct_only) const {
     if (!start) start = tree ? tree->get_root() : nullptr;
     if (!start || !label) return nullptr;
-    std::vector<const xml_item_c*> stack;
-    push_children(stack, start);
     const char* start_label = label_of(start);
-    while (!stack.empty()) {
-        const xml_item_c* item = stack.back();
-        stack.pop_back();
+    // Pre-order below the start; each item's kind and label are read once.
+    for (const xml_item_c* item = start->first_child_item(); item;) {
+        std::uint32_t kind = kind_of(item);
+        bool object = kind == xmc_n::kind_object || kind == xmc_n::kind_external;
+        bool fits = want_object ? object : kind == xmc_n::kind_data;
+        const char* item_label = fits || (object && !direct_only) ? label_of(item) : nullptr;
+        bool enter;
         if (direct_only) {
-            if (matches(item, label, want_object)) return const_cast<xml_item_c*>(item);
-            if (!is_object(item)) push_children(stack, item);
-            continue;
+            if (fits && same(item_label, label)) return const_cast<xml_item_c*>(item);
+            enter = !object;
+        } else {
+            // A search begun at a host does not go on into the hosts nested in it.
+            if (object && same(item_label, start_label)) return nullptr;
+            if (fits && same(item_label, label)) return const_cast<xml_item_c*>(item);
+            enter = kind != xmc_n::kind_external;
         }
-        // A search begun at a host does not go on into the hosts nested in it.
-        if (is_object(item) && same(label_of(item), start_label)) return nullptr;
-        if (matches(item, label, want_object)) return const_cast<xml_item_c*>(item);
-        if (kind_of(item) != xmc_n::kind_external) push_children(stack, item);
+        item = next_below(item, start, enter);
     }
     return nullptr;
 }
 
 xml_item_c* xmc_conf_c::find_data_below(const xml_item_c* object, const char* label) {
     if (!object || !label) return nullptr;
-    std::vector<const xml_item_c*> stack;
-    push_children(stack, object);
-    while (!stack.empty()) {
-        const xml_item_c* item = stack.back();
-        stack.pop_back();
-        if (matches(item, label, false)) return const_cast<xml_item_c*>(item);
-        if (!is_object(item)) push_children(stack, item);
+    for (const xml_item_c* item = object->first_child_item(); item;) {
+        std::uint32_t kind = kind_of(item);
+        if (kind == xmc_n::kind_data && same(label_of(item), label))
+            return const_cast<xml_item_c*>(item);
+        bool enter = kind != xmc_n::kind_object && kind != xmc_n::kind_external;
+        item = next_below(item, object, enter);
     }
     return nullptr;
 }
@@ -202,8 +194,9 @@ bool xmc_conf_c::_check_data_content(xmc_validity_c* validity, const xml_item_c*
     const char* check_if = nullptr;
     bool has_limits = false;
     bool result = true;
-    utl_stream_c description;
-    auto describe = [&] { return get_item_description(item, description); };
+    // Made only for a trace line: most items have nothing to say.
+    std::optional<utl_stream_c> description;
+    auto describe = [&] { return get_item_description(item, description.emplace()); };
 
     if (!item || item->get_attribute_count() == 0) {
         std::uint32_t kind = item ? kind_of(item) : static_cast<std::uint32_t>(xmc_n::kind_other);

@@ -149,25 +149,31 @@ bool scenario_conf_c::_check_array_root_dirs(xmc_validity_c& validity) const {
         if (at >= 0) finding(root_dir_name, code_network, MASTER_INDEX, at);
     }
 
-    // 4: nor may any host that takes part in a vetted failback, whatever the mode.
+    // The two settings of each host that the rules below read, in one pass over the hosts.
+    std::vector<bool> vetted_hosts;
+    std::vector<std::uint32_t> addresses;
+    vetted_hosts.reserve(hosts.size());
+    addresses.reserve(hosts.size());
     for (host_index_node_s* node : hosts) {
         xmc_value_c vetted;
-        if (!node->host_item) continue;
-        _read_host_row(host_row_vetted_failback, node->host_index, node->host_item, vetted);
-        if (!vetted.to_bool()) continue;
-        std::int64_t at = first_network_path(node->root_dirs);
-        if (at >= 0) finding(root_dir_name, code_network, node->host_index, at);
+        xmc_value_c ip;
+        if (node->host_item) {
+            _read_host_row(host_row_vetted_failback, node->host_index, node->host_item, vetted);
+            _read_host_row(host_row_ip, node->host_index, node->host_item, ip);
+        }
+        vetted_hosts.push_back(node->host_item && vetted.to_bool());
+        addresses.push_back(utl_n::string_to_ip(ip.to_text()));
+    }
+
+    // 4: nor may any host that takes part in a vetted failback, whatever the mode.
+    for (std::size_t h = 0; h < hosts.size(); ++h) {
+        if (!vetted_hosts[h]) continue;
+        std::int64_t at = first_network_path(hosts[h]->root_dirs);
+        if (at >= 0) finding(root_dir_name, code_network, hosts[h]->host_index, at);
     }
 
     // 5 and 6, host by host: no nesting within the host, then no overlap with the hosts after
-    // it that share its address. The addresses are read once.
-    std::vector<std::uint32_t> addresses;
-    addresses.reserve(hosts.size());
-    for (host_index_node_s* node : hosts) {
-        xmc_value_c ip;
-        if (node->host_item) _read_host_row(host_row_ip, node->host_index, node->host_item, ip);
-        addresses.push_back(utl_n::string_to_ip(ip.to_text()));
-    }
+    // it that share its address.
     char drive[4096];
     for (std::size_t h = 0; h < hosts.size(); ++h) {
         const array_ct<root_dir_c>* dirs = hosts[h]->root_dirs;

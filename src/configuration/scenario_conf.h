@@ -248,6 +248,14 @@ class scenario_conf_c : public xmc_conf_c {
     // the text `text` (any text when null).
     void collect_hosts_with_value(std::uint32_t row, const char* text,
                                   std::vector<std::uint64_t>& list) const;
+    // The same for several rows in one pass over the hosts: each host's rows are read one after
+    // the other, while its items are at hand, and each row's hosts go to its own list.
+    struct host_value_query_s {
+        std::uint32_t row;
+        const char* text;
+        std::vector<std::uint64_t>* list;
+    };
+    void collect_hosts_with_values(const host_value_query_s* queries, std::size_t count) const;
     // The rules that only have meaning for some products, applications and modes.
     bool _check_specific_features(xmc_validity_c& validity);
     // The virtual network mappings of the scenario (host 0) or of a replica's switchover.

@@ -151,11 +151,13 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
     std::vector<std::uint64_t> child_ends;
     {
         xml_document_c doc;
-        // The nodes and items of the load come from pages that die with their last cell.
+        // The items of the load come from pages that die with their last cell.
         cell_pool_c pool;
         xml_stream_reader_c reader(view.data(), view.size());
         reader.set_document(&doc);
-        position_builder_c builder(doc.node_builder(), reader);
+        // The reader's elements become the items straight away, with no document nodes between.
+        std::unique_ptr<xml_builder_i> items = mixed_xmc_xml_tree_c::make_builder();
+        position_builder_c builder(*items, reader);
         std::vector<std::uint64_t> every_end;
         if (lines) builder.every_end = &every_end;
         if (!reader.read_declaration())
@@ -164,10 +166,10 @@ scenario_load_result_s scenario_loader_n::load_text(scenario_conf_c& scenario, c
         if (!reader.read_elements(builder, nullptr, false))
             return fail(scenario_load_status_t::not_xml, line_before(view, reader.get_position()),
                         "not well-formed XML");
-        if (!doc.get_root())
+        loaded->adopt_built(*items, doc);
+        if (!loaded->get_root())
             return fail(scenario_load_status_t::not_xml, line_before(view, view.size()),
                         "no element");
-        loaded->from_document(&doc);
         if (lines) keep_lines(view, loaded->get_root(), every_end, *lines);
         root_end = builder.root_end;
         child_ends.swap(builder.child_ends);

@@ -342,68 +342,80 @@ bool scenario_conf_c::_check_value_range(const xml_item_c* item) {
 
 void scenario_conf_c::collect_hosts_with_value(std::uint32_t row, const char* text,
                                                std::vector<std::uint64_t>& list) const {
-    if (!host_tree || row >= host_data_count) return;
-    const host_data_s& r = host_data_table[row];
+    host_value_query_s query{row, text, &list};
+    collect_hosts_with_values(&query, 1);
+}
+
+void scenario_conf_c::collect_hosts_with_values(const host_value_query_s* queries,
+                                                std::size_t count) const {
+    if (!host_tree) return;
     for (std::uint64_t host = MASTER_INDEX; host; host = host_tree->next_host(host)) {
         host_index_node_s* node = host_tree->find_host_node(host);
         if (!node || !node->host_item) continue;
-        labeled_value_c* value = find_property(object_name(r.object), r.label, node->host_item);
-        if (!value) continue;
-        if (!text || same(value->to_text(), text)) list.push_back(host);
+        for (std::size_t q = 0; q < count; ++q) {
+            if (queries[q].row >= host_data_count) continue;
+            const host_data_s& r = host_data_table[queries[q].row];
+            labeled_value_c* value = find_property(object_name(r.object), r.label, node->host_item);
+            if (!value) continue;
+            if (!queries[q].text || same(value->to_text(), queries[q].text))
+                queries[q].list->push_back(host);
+        }
     }
 }
 
 bool scenario_conf_c::_check_uniqueue_fields(xmc_validity_c& validity) const {
     QVTR_SCOPE(tr, "scenario_conf_c::_check_uniqueue_fields", source);
     bool result = true;
-    std::vector<std::uint64_t> a;
-    std::vector<std::uint64_t> b;
     auto report_all = [&](const std::vector<std::uint64_t>& hosts, std::uint32_t row,
                           std::uint32_t code) {
         for (std::uint64_t host : hosts) report_host_data(validity, row, host, code);
     };
 
+    // The hosts of every row that the rules below read, in one pass over the hosts.
+    std::vector<std::uint64_t> vetted, suspend, cdp, failover, shadow, suspend_shadow;
+    xmc_value_c value;
+    bool integrated = _get_scenario_data(row_quillon_integrated, value).to_bool();
+    const host_value_query_s queries[] = {
+        {host_row_vetted_failback, "True", &vetted},
+        {host_row_suspend, "True", &suspend},
+        {host_row_cdp_host, "True", &cdp},
+        {host_row_failover_host, "True", &failover},
+        {host_row_vetted_failback_shadow_copy, "True", &shadow},
+        {host_row_suspend_shadow_copy, "True", &suspend_shadow},
+    };
+    collect_hosts_with_values(queries, integrated ? 6 : 4);
+
     // 1: one host at most may run the vetted failback or suspend.
-    collect_hosts_with_value(host_row_vetted_failback, "True", a);
-    collect_hosts_with_value(host_row_suspend, "True", b);
-    if (a.size() + b.size() >= 2) {
-        report_all(a, host_row_vetted_failback, code_one_host_only);
-        report_all(b, host_row_suspend, code_one_host_only);
+    if (vetted.size() + suspend.size() >= 2) {
+        report_all(vetted, host_row_vetted_failback, code_one_host_only);
+        report_all(suspend, host_row_suspend, code_one_host_only);
         result = false;
     }
 
     // 2: with integrated shadow copies, one host at most takes them, whichever way. A host
     // that takes them both ways stands twice in the list and is reported twice.
-    xmc_value_c value;
-    if (_get_scenario_data(row_quillon_integrated, value).to_bool()) {
-        a.clear();
-        b.clear();
-        collect_hosts_with_value(host_row_vetted_failback_shadow_copy, "True", b);
-        collect_hosts_with_value(host_row_suspend_shadow_copy, "True", b);
-        if (b.size() >= 2) {
-            report_all(b, host_row_suspend_shadow_copy, code_one_host_only);
+    if (integrated) {
+        shadow.insert(shadow.end(), suspend_shadow.begin(), suspend_shadow.end());
+        if (shadow.size() >= 2) {
+            report_all(shadow, host_row_suspend_shadow_copy, code_one_host_only);
             result = false;
         }
     }
 
     // 3: a CDP host belongs to a CDP scenario, and there is only one.
-    a.clear();
-    collect_hosts_with_value(host_row_cdp_host, "True", a);
-    xmc_value_c cdp;
-    bool is_cdp = _get_scenario_data(row_is_cdp_scenario, cdp).to_bool();
-    if (a.size() > 1) {
-        report_all(a, host_row_cdp_host, is_cdp ? code_more_than_one : code_not_allowed);
+    xmc_value_c cdp_value;
+    bool is_cdp = _get_scenario_data(row_is_cdp_scenario, cdp_value).to_bool();
+    if (cdp.size() > 1) {
+        report_all(cdp, host_row_cdp_host, is_cdp ? code_more_than_one : code_not_allowed);
         result = false;
-    } else if (a.size() == 1 && !is_cdp) {
-        report_all(a, host_row_cdp_host, code_not_allowed);
+    } else if (cdp.size() == 1 && !is_cdp) {
+        report_all(cdp, host_row_cdp_host, code_not_allowed);
         result = false;
     }
 
     // 4: one failover host at most.
-    a.clear();
-    collect_hosts_with_value(host_row_failover_host, "True", a);
-    if (a.size() > 1) {
-        report_all(a, host_row_failover_host, code_more_than_one);
+    if (failover.size() > 1) {
+        report_all(failover, host_row_failover_host, code_more_than_one);
         result = false;
     }
     return result;

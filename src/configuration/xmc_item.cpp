@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 
 namespace {
@@ -42,10 +44,15 @@ xmc_item_c::xmc_item_c(const xmc_item_c& source, bool deep)
 
 xmc_item_c::~xmc_item_c() = default;
 
-xmc_item_c* xmc_item_c::as_xmc(generic_node_c* node) { return dynamic_cast<xmc_item_c*>(node); }
+// Every walk of a mixed tree asks this of each item it passes, so it compares the exact type
+// (the class is final) instead of paying for a dynamic_cast's search of the class hierarchy.
+xmc_item_c* xmc_item_c::as_xmc(generic_node_c* node) {
+    return node && typeid(*node) == typeid(xmc_item_c) ? static_cast<xmc_item_c*>(node) : nullptr;
+}
 
 const xmc_item_c* xmc_item_c::as_xmc(const generic_node_c* node) {
-    return dynamic_cast<const xmc_item_c*>(node);
+    return node && typeid(*node) == typeid(xmc_item_c) ? static_cast<const xmc_item_c*>(node)
+                                                       : nullptr;
 }
 
 std::uint64_t xmc_item_c::get_label_length() const {
@@ -374,6 +381,15 @@ template <class Read> bool mixed_xmc_xml_tree_c::_load_mixed(Read read) {
     bool loaded = read(doc, &builder);
     if (loaded && builder.root) _adopt_root(std::exchange(builder.root, nullptr), doc);
     return loaded;
+}
+
+std::unique_ptr<xml_builder_i> mixed_xmc_xml_tree_c::make_builder() {
+    return std::make_unique<builder_c>();
+}
+
+void mixed_xmc_xml_tree_c::adopt_built(xml_builder_i& builder, xml_document_c& doc) {
+    auto& built = static_cast<builder_c&>(builder);
+    if (built.root) _adopt_root(std::exchange(built.root, nullptr), doc);
 }
 
 bool mixed_xmc_xml_tree_c::load_from_str(const char* text) {

@@ -13,9 +13,11 @@
 #include "xml/xml_tree_templ.h"
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
-class xmc_item_c : public xml_item_c {
+// Final: as_xmc tells an XMC item by its exact type, which a derived class would escape.
+class xmc_item_c final : public xml_item_c {
   public:
     // An item with the kind of its element name: `data` 2, `object` 1, `title` 0, any other 4.
     explicit xmc_item_c(const char* item_label);
@@ -95,6 +97,13 @@ class mixed_xmc_xml_tree_c : public xml_tree_ct<xmc_item_c> {
     // Straight from the reader into the same items from_document would make.
     bool load_from_str(const char* text) override;
     bool load(const char* path) override;
+
+    // For a loader that drives a reader of its own: a builder that makes the same items as
+    // load_from_str from the reader's elements, and the step that then makes its root this
+    // tree's, with the document's declaration values (a tree that has a root keeps it, and the
+    // built items are dropped). `builder` must come from make_builder.
+    static std::unique_ptr<xml_builder_i> make_builder();
+    void adopt_built(xml_builder_i& builder, xml_document_c& doc);
 
     // The base forms of these read every item as an xmc_item_c; the content of an external
     // object is not one, so they are walked here as plain items.

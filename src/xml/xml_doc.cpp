@@ -214,7 +214,7 @@ bool xml_document_c::_walk(xml_node_c* node, utl_stream_c& stream, bool clear, S
     std::uint64_t depth = node->get_depth();
     for (;;) {
         if (clear) stream.append(utl_stream_c::clear_char);
-        node->print_open_tag(stream, depth);
+        node->print_open_tag(stream, indented ? depth : 0);
         if (!sink(stream)) return false;
         if (node->first_child) {
             node = node->first_child_node();
@@ -226,7 +226,7 @@ bool xml_document_c::_walk(xml_node_c* node, utl_stream_c& stream, bool clear, S
             node = node->parent_node();
             --depth;
             if (clear) stream.append(utl_stream_c::clear_char);
-            node->print_close_tag(stream, depth);
+            node->print_close_tag(stream, indented ? depth : 0);
             if (!sink(stream)) return false;
         }
         if (node == top) return true;

@@ -80,6 +80,11 @@ class xml_document_c {
     // The same text into a stream; the header only for the whole document.
     void print(xml_node_c* node, utl_stream_c& stream, bool with_header);
 
+    // Whether the lines that store and print write start with a tab per level of depth. A
+    // text that is only read back goes without: a tree nested n deep would cost about n * n
+    // tabs.
+    bool indented = true;
+
     // A name starts with a letter or `_` and goes on with letters, digits, `_`, `-`, `.`, `:`.
     static bool validate_xml_name(const char* name);
 

@@ -169,7 +169,9 @@ labeled_value_c* xml_item_c::find_attribute(const char* attr_label) const {
     if (!attr_label) return nullptr;
     for (std::uint64_t i = 0; i < attributes.get_count(); ++i) {
         labeled_value_c* a = attributes.at(i);
-        if (std::strcmp(or_empty(a->get_label()), attr_label) == 0) return a;
+        const char* name = or_empty(a->get_label());
+        // The first bytes first: most names that differ cost no call.
+        if (*name == *attr_label && std::strcmp(name, attr_label) == 0) return a;
     }
     return nullptr;
 }

@@ -191,9 +191,11 @@ template <class T> class xml_tree_ct : public generic_tree_ct<T> {
 
     // The text of the document that this tree's declaration and the subtree of `item` make,
     // appended to the stream: what write gives for a tree of which `item` were the root. The
-    // item stays where it is.
-    void write_item(T* item, utl_stream_c& stream, bool with_header) {
+    // item stays where it is. Without `indented` no line starts with tabs (for a text that is
+    // only read back).
+    void write_item(T* item, utl_stream_c& stream, bool with_header, bool indented = true) {
         xml_document_c doc;
+        doc.indented = indented;
         to_document(&doc);
         if (item != this->_root) doc.add_node(to_node(item), nullptr);
         xml_node_c* root = doc.get_root();
