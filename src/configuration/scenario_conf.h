@@ -221,6 +221,9 @@ class scenario_conf_c : public xmc_conf_c {
     bool _check_array_root_dirs(xmc_validity_c& validity) const;
 
     // ---- validation (scenario_validation.cpp, feature_rules.cpp) -----------------------------
+    // The checks of an external object's item stay callable beside the scenario's own.
+    using conf_c::check_consistency;
+    using conf_c::check_xmc_validity;
     // Whether the tree is well formed, item by item: every object and data item has the shape
     // the grammar asks and every external object exists and is consistent. Findings go to the
     // trace only.
